@@ -27,9 +27,9 @@ const std::map<float, SATCameraRoleType>& satCameraRoles();
 // `type` is the camera's name. A known name followed by more characters counts as unknown.
 int32_t vafCameraRole(std::string_view type, int32_t satRole, int32_t facing);
 
-// Return the camera type, and the names of the combined cameras, for a session id from
-// "com.orlu.MultiCameraBokehSelectSessionId". Ids 3, 4 and 5 have a type, 3 and 4 also names. Otherwise, the
-// functions return "", and the caller reads the shot's own tag instead.
+// For a session id from "com.orlu.MultiCameraBokehSelectSessionId", bokehCameraType() returns the camera type
+// (ids 3, 4 and 5), and bokehCameraComposition() the names of the combined cameras (ids 3 and 4). For other
+// ids, they return "", and the caller reads the shot's own tag instead.
 std::string_view bokehCameraType(int32_t session);
 std::string_view bokehCameraComposition(int32_t session);
 

@@ -1,7 +1,7 @@
 // Writes the algorithms' results from a request's parameter set back into its compositions and output
-// descriptors. Create one object per request and use it on the request's thread after the callback. No
-// failure stops it. Most parameters that the algorithms did not set are written with their initial values.
-// Without a composition, only the output descriptors are set.
+// descriptors. Create one object per request and use it on the request's thread after the callback. If one
+// result fails, the others are still written. Most results have an initial value, which is written if the
+// algorithms did not set the parameter. Without a composition, only the output descriptors are set.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +20,7 @@ namespace orlu {
 
 class ResultUpdater {
 public:
-  // Borrows all arguments. If the parameter block `metadata` is null, all values are initial values.
+  // Borrows all arguments. If the parameter block `metadata` is null, every parameter has its initial value.
   ResultUpdater(AlgoNativeClient* client, std::vector<std::string>& algoList, VRequest& request,
                 void* metadata, CameraMetadataParser* parser);
   ResultUpdater(const ResultUpdater&) = delete;
@@ -29,8 +29,8 @@ public:
 
   void updateResult();
 
-  // The parameter channel: copy `size` bytes into the block, or at most `size` bytes out of it. Return the
-  // context's status.
+  // Copy `size` bytes into the parameter block, or at most `size` bytes out of it. Return the status from
+  // AlgoNativeContext.
   int setValue(const char* section, const char* key, void* value, unsigned int size);
   int getValue(const char* section, const char* key, void* value, unsigned int size);
 
@@ -38,8 +38,8 @@ public:
   // result_updater_frame_selection.cpp
   int updateFrameClarity();           // -1 without a composition
   int updateFrameSelectResult();      // -1 if a frame index is out of range
-  int updateSelectBasicFrameIndex();  // -1 if an index is chosen but there are no frames
-  // result_updater_raw_algo.cpp. All return 0. updateParamsFromRawAlgo() calls the others.
+  int updateSelectBasicFrameIndex();  // -1 if a frame is chosen by index alone, but there are no frames
+  // result_updater_raw_algo.cpp. All return 0. updateParamsFromRawAlgo() calls the functions below it.
   int updateParamsFromRawAlgo();
   int updateTunningMode();
   int updateRAWHDRTrackingInfor();
@@ -70,7 +70,7 @@ private:
   template <size_t N>
   bool listHas(const char (&name)[N]) const;
   // Put a value into a frame's composition, or into the first composition. Return -1 if the parser could not
-  // store the value, else 0, also for a request without compositions.
+  // store the value, else 0. Without compositions, do nothing and return 0.
   template <typename T>
   int put(const Frame& frame, const char* resultKey, const std::common_type_t<T>& value);
   template <typename T>

@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# Functions and package lists shared by the project's shell scripts. Source this file in bash with "pipefail"
-# set, after setting root to the project's folder.
+# Functions and package lists shared by the project's shell scripts. Source this file in bash, with the option
+# "pipefail" set and the project's folder in the variable "root".
 
 # Needed by ./run: compiler, build tools, JDK and libraries.
 readonly run_packages=(
@@ -31,7 +31,7 @@ readonly lint_packages=(
   clang-tidy shellcheck ecj blueprint-tools golang-go golang-github-google-blueprint-dev git
 )
 
-# Waits for another process that is installing packages.
+# apt-get waits up to 300 seconds for another process that is installing packages, and retries downloads.
 readonly apt_options=(-q -o DPkg::Lock::Timeout=300 -o Acquire::Retries=3)
 
 # die TEXT...: prints an error and exits.
@@ -51,8 +51,9 @@ as_root() {
   fi
 }
 
-# follow LOG PATTERN: appends standard input to LOG. A terminal shows the latest line that matches the pattern,
-# rewritten in place and cleared at the end; otherwise one such line is printed every ten seconds at most.
+# follow LOG PATTERN: appends standard input to LOG, and shows lines that match the pattern on standard error.
+# On a terminal, each such line replaces the previous one, and the last is cleared at the end. Elsewhere, at
+# most one such line is printed every ten seconds.
 follow() {
   local pattern=$2 line shown=$SECONDS clear=''
   while IFS= read -r line; do
@@ -70,8 +71,8 @@ follow() {
   printf %s "$clear" >&2
 }
 
-# Name and version of every installed package of this machine's architecture or of "all", one per line; empty
-# until needed.
+# Name and version of each installed package whose architecture is this machine's or "all", one per line;
+# empty until needed.
 installed_packages=
 
 read_installed_packages() {
@@ -81,7 +82,7 @@ read_installed_packages() {
   fi
 }
 
-# are_installed PACKAGE...: succeeds if all are installed. Stores the rest in the array "missing".
+# are_installed PACKAGE...: succeeds if all are installed. Lists the uninstalled ones in the array "missing".
 are_installed() {
   local package
   missing=()

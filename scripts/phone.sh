@@ -31,13 +31,14 @@ die() {
   exit 2
 }
 
-# takes COUNT ARGUMENT...: exits with an error if the number of arguments differs.
+# takes COUNT ARGUMENT...: exits with an error if the number of arguments is not COUNT.
 takes() {
   [ $(($# - 1)) -eq "$1" ] || die "$command takes $1 arguments, not $(($# - 1)); see --help"
 }
 
-# one_phone: selects the ready phone that ANDROID_SERIAL names or, if it is unset, the only ready phone; else
-# exits with an error. adb itself also counts phones that are not ready.
+# one_phone: selects the ready phone that ANDROID_SERIAL names. If ANDROID_SERIAL is unset, selects the only
+# ready phone; adb's own selection would also count phones that are not ready. Exits with an error if there is
+# no such phone, or more than one.
 one_phone() {
   local ready=() others=() serial state listing
   command -v adb >/dev/null || die "needs adb: apt-get install adb"
@@ -63,7 +64,8 @@ one_phone() {
   export ANDROID_SERIAL=${ready[0]}
 }
 
-# call_adb ARGUMENT...: runs adb, and exits with status 2 if it fails; status 1 means a failed check.
+# call_adb ARGUMENT...: runs adb. If adb fails, exits with status 2, because 1 means that a check of the kit
+# failed.
 call_adb() { adb "$@" || die "adb $1 failed: see above; is $ANDROID_SERIAL still connected?"; }
 
 # quoted WORD...: quotes the words for a shell.
@@ -71,14 +73,14 @@ quoted() { printf '%q ' "$@"; }
 
 in_shell() { call_adb shell "$(quoted "$@")"; }
 
-# property NAME: prints its value.
+# property NAME: prints the value of this system property of the phone.
 property() {
   local value
   value=$(in_shell getprop "$1") || exit
   echo "${value%$'\r'}"
 }
 
-# set_property NAME VALUE: exits with an error if the phone rejects the property.
+# set_property NAME VALUE: sets a system property; exits with an error if the phone rejects it.
 set_property() {
   local value
   in_shell setprop "$1" "$2"
@@ -127,7 +129,8 @@ run_kit() {
   return "$status"
 }
 
-# pull PATH DIR: pulls everything or nothing into a new DIR/NAME, so that recordings of two pulls never mix.
+# pull PATH DIR: copies PATH to DIR/NAME, where NAME is the last part of PATH. DIR/NAME must not exist, so
+# that recordings of two pulls never mix. It is created only if adb copies everything.
 pull() {
   local name to
   [[ $1 == /* ]] || die "$1: not an absolute path on the phone"

@@ -32,7 +32,8 @@ class RequestProcessorTest : public test::RequestScene {
 protected:
   RequestProcessorTest() { create(); }
 
-  // Returns RequestProcessor's log, a message per line: "?" marks debug lines, "I" the client's address.
+  // Returns RequestProcessor's log, a message per line. "?" precedes debug lines; "I" replaces the client's
+  // address.
   std::string lines(const void* client) const {
     std::string text;
     for (const std::string& line : test::errorLines(mLog)) {
@@ -164,7 +165,7 @@ TEST_F(RequestProcessorTest, TheHandleOfNoClientIsRejected) {
       lines(&client()));
 }
 
-// An operation whose parser can't find a class logs an error of its own and continues.
+// If its parser can't find a class, each operation logs an error with the operation's name and continues.
 TEST_F(RequestProcessorTest, TellsOfAnIncompleteParser) {
   test::JniTable table(env());
   table.hide("android/util/Rational");

@@ -56,7 +56,7 @@ Ending Ledger::ending(uint64_t request) const {
   if (seen.returned != 1 || seen.ended != 1 || seen.processed > 1 || seen.timedOut > 1 || seen.lostBlock) {
     return Ending::kNone;
   }
-  // Only full-async requests are announced to Java, and only synchronous ones are waited for.
+  // Only full-async requests are announced to Java. Only synchronous requests wait, and so can time out.
   if (isAsync ? seen.timedOut != 0 : seen.announced.load()) return Ending::kNone;
   if (seen.processed == 0) {
     return seen.timedOut != 0 || isAsync != seen.announced ? Ending::kNone : Ending::kSkipped;

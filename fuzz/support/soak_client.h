@@ -22,7 +22,7 @@ struct SoakShared {
   Ledger& ledger;
   CallbackPool attached;
   CallbackPool foreign;
-  CallbackPool racing;  // attached; its callbacks wait for their delay
+  CallbackPool racing;  // attached; sends each callback after its delay
 
   SoakShared(Ledger& itsLedger, uint64_t seed)
       : ledger(itsLedger), attached(seed, true), foreign(seed + 1, false), racing(seed + 2, true) {}
@@ -41,14 +41,14 @@ standin::AlgoScript plainSoakScript(Ledger& ledger);
 
 class SoakClient {
 public:
-  // Creates a client; `seed` decides the delays of its racing callbacks and the fault in its destruction.
+  // Creates a client. `seed` determines the delays of its racing callbacks and the fault in its destruction.
   SoakClient(SoakShared& shared, const SoakArguments& arguments, uint64_t seed);
   SoakClient(const SoakClient&) = delete;
   SoakClient& operator=(const SoakClient&) = delete;
-  ~SoakClient();  // destroys the client with requests in flight
+  ~SoakClient();  // destroys the client while requests are in flight
 
   void send(uint64_t request);
-  // Finishes one announced request of any client. Returns false if there is none.
+  // Finishes one announced request of any client. Returns false if no request is announced.
   bool endOne();
 
 private:

@@ -15,7 +15,7 @@ LARGE, WIDE, NARROW = (1440, 900), (1280, 800), (420, 900)
 
 
 def padded_request(folder):
-    """Writes samples/clarity.json with padded rows. Returns the new file."""
+    """Writes a copy of samples/clarity.json, but with padded rows, into the folder. Returns its path."""
     request = json.loads((ROOT / "samples/clarity.json").read_text())
     padded = {"format": "NV21", "stride": 704}
     request.update(photo=str(ROOT / "samples/photos/table.jpg"), inputs=padded, outputs=[padded])
@@ -25,7 +25,7 @@ def padded_request(folder):
 
 
 def make_pages(build, folder, requests, fault="", trials="on"):
-    """Runs requests, and writes their pages into a folder. `fault` is a fault of tests/planted, or ""."""
+    """Runs requests, and writes their pages into a folder. `fault`: a fault of tests/planted, or ""."""
     run(build, ["--report", folder, "--out", folder / "out", *requests], fault, trials)
 
 
@@ -40,7 +40,7 @@ def run(build, arguments, fault="", trials="on"):
 
 @contextlib.contextmanager
 def browser():
-    """Runs headless Chromium, which stores the messages of its console."""
+    """Runs headless Chromium. The driver's get_log("browser") returns the messages of the console."""
     options = Options()
     for argument in ("--headless=new", "--no-sandbox", "--disable-gpu", "--disable-dev-shm-usage",
                      "--hide-scrollbars"):

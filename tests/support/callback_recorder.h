@@ -1,4 +1,5 @@
-// Records the callbacks that reach Java while this object lives. For the main thread only.
+// Records the callbacks that reach Java, on any thread, while this object lives. Use this class on the main
+// thread only.
 #pragma once
 
 #include <string>

@@ -9,7 +9,7 @@ extern "C" {
 // "persist.sys.camera3rd.loglevel" sets its initial value; the default is 3.
 extern int gVAFCtrlLogLevel;
 
-// Returns the part of `path` after its last '/', in the same memory; "" for null.
+// Returns a pointer into `path`, after its last '/' if it has one; "" for null.
 const char* get_filename(const char* path);
 
 #ifdef __cplusplus

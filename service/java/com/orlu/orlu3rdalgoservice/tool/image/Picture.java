@@ -17,7 +17,7 @@ public final class Picture implements PixelRows {
         mSamples = new float[width * height * CHANNELS];
     }
 
-    /** Returns a copy in memory. */
+    /** Copies all rows into a new picture. */
     static Picture of(PixelRows rows) {
         Picture picture = new Picture(rows.width(), rows.height());
         float[] row = new float[rows.width() * CHANNELS];
@@ -60,7 +60,7 @@ public final class Picture implements PixelRows {
         return PixelRows.luma(mSamples, (y * mWidth + x) * CHANNELS);
     }
 
-    /** Returns a part of the picture; to save memory, returns the picture itself if the part is all of it. */
+    /** Returns a part of the picture. For the whole picture, returns this object, to save memory. */
     Picture crop(int left, int top, int width, int height) {
         if (width == mWidth && height == mHeight) {
             return this;
@@ -96,7 +96,7 @@ public final class Picture implements PixelRows {
         return result;
     }
 
-    /** Adds Gaussian noise of this standard deviation to every sample. */
+    /** Returns a copy with Gaussian noise of this standard deviation added to every sample. */
     Picture withNoise(double deviation, Random random) {
         Picture result = new Picture(mWidth, mHeight);
         for (int i = 0; i < mSamples.length; ++i) {
@@ -105,7 +105,10 @@ public final class Picture implements PixelRows {
         return result;
     }
 
-    /** Applies a Gaussian blur of this standard deviation in pixels; edge pixels are repeated outside. */
+    /**
+     * Returns a copy with a Gaussian blur of this standard deviation, in pixels. Pixels outside the picture
+     * count as copies of the nearest edge pixel.
+     */
     Picture blurred(double deviation) {
         float[] kernel = gaussian(deviation);
         return convolved(kernel, 1, 0).convolved(kernel, 0, 1);

@@ -13,7 +13,7 @@ public final class RecordedEvents {
     private final List<Call> mCalls = new ArrayList<>();
     private final Map<Long, Call> mOpen = new HashMap<>();
 
-    /** Adds lines in the file's order. An end event without a begin event does not count as a call. */
+    /** Adds an event file's lines, in order. An end event without a begin event does not count as a call. */
     public void add(List<Json> lines) {
         for (Json line : lines) {
             add(new Event(line));

@@ -7,7 +7,7 @@ import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import java.util.List;
 
 /**
- * One image as a request file describes it.
+ * One image of a request, as the request file or a recording describes it.
  *
  * @param name     the format's name for the native side
  * @param hardware whether its memory is a hardware buffer instead of shared memory
@@ -18,8 +18,8 @@ import java.util.List;
  * @param bits     bits of a raw sample
  * @param frame    index of an input's frame
  * @param file     the source of an input's pixels; null for the request's photo
- * @param place    the description in the request file, for errors
- * @param layout   a recorder's description, which overrides all else; null for other images
+ * @param place    the image's description in the file; error messages show its location
+ * @param layout   a recorded image's exact description, which overrides all else; null if not recorded
  */
 public record ImagePlan(PixelFormat format, String name, boolean hardware, int width, int height, int stride,
         int capacity, int bits, int frame, ImageFile file, Json place, ImageLayout layout) {
@@ -45,7 +45,7 @@ public record ImagePlan(PixelFormat format, String name, boolean hardware, int w
                 format, name, hardware, width, height, stride, capacity, bits, frame, pixels, place);
     }
 
-    /** Returns the image with the frames' size if it has none. Throws if the stride is less than a row. */
+    /** Returns the plan with the frames' width or height in place of 0. Throws if the stride is too small. */
     public ImagePlan sized(int frameWidth, int frameHeight) throws MistakeException {
         if (layout != null) {
             return this;
