@@ -15,7 +15,7 @@ bool isAlgoListContains(const std::vector<std::string>& list, const char* name, 
 // Erases every entry that isAlgoListContains() would match. The other entries keep their order.
 void removeAlgoFromAlgoList(std::vector<std::string>& list, const char* name, int len);
 
-// Erases from `list` every entry that equals no entry of `supported`. Does not change `supported`.
+// Erases from `list` every entry that is not in `supported`. Does not change `supported`.
 void AlgoListSupportFilter(std::vector<std::string>& supported, std::vector<std::string>& list);
 
 // Overloads for string literals; the literal's type gives the length.

@@ -1,5 +1,5 @@
-// Logging macros. Unless a macro has a parameter for the tag or place, the tag is the `kLogTag` in scope at
-// the call: a class member or a file constant.
+// Logging macros. A macro without a parameter for the tag or place uses the `kLogTag` in scope at the call: a
+// class member or a file constant.
 //
 // Lines begin with the source file's base name, the line number and an operation. LOGE() and LOGD() show the
 // enclosing function; helpers show their caller's operation with LOGE_AS() and LOGD_AS(). Errors are always
@@ -30,7 +30,7 @@ struct LogPlace {
 
 }  // namespace orlu
 
-// The empty string at the end gives the variadic part at least one argument, as C++17 requires.
+// Pass "" as the last argument, for the last "%s": C++17 requires at least one variadic argument.
 #define ORLU_LOG_LINE(priority, operation, format, ...)                                                    \
   __android_log_print(priority, kLogTag, "%s:%d %s() " format "%s", ::orlu::kLogFile, __LINE__, operation, \
                       __VA_ARGS__)
@@ -50,6 +50,6 @@ struct LogPlace {
   __android_log_print(ANDROID_LOG_ERROR, (place).tag, "%s:%d %s() " format, (place).file, (place).line, \
                       (place).operation, __VA_ARGS__)
 
-// For the few lines with a shorter tag and no prefix. They are written at every log level.
+// Write the few lines that have a shorter tag and no prefix, at every log level.
 #define LOGE_BARE(tag, ...) ORLU_LOG_BARE(ANDROID_LOG_ERROR, tag, __VA_ARGS__, "")
 #define LOGD_BARE(tag, ...) ORLU_LOG_BARE(ANDROID_LOG_DEBUG, tag, __VA_ARGS__, "")

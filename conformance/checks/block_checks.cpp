@@ -28,7 +28,7 @@ std::string read(const Block& block, const char* section, const char* key, size_
   return bytes;
 }
 
-// Memory that ends at the end of a page; the next page is inaccessible.
+// Buffer that ends at a page boundary; the next page is inaccessible.
 class EdgeBuffer {
 public:
   explicit EdgeBuffer(size_t size) : mSize(size) {

@@ -1,4 +1,4 @@
-// Measures request times: --perf.
+// The option --perf: measures the time, memory and threads of requests.
 #pragma once
 
 #include <string>
@@ -18,10 +18,11 @@ struct PerfRow {
 };
 
 // Measures the library that the options name, in a child process, and prints a table or JSON. `algorithms`
-// are names separated by commas; all if empty. With `baseline`, the JSON file of an earlier run, the table
-// also shows changes. Returns 2 if an algorithm is unknown, or the baseline is unreadable or invalid. Returns
-// 1 if the library fails, or if a row is slower than the baseline by several times the noise of both runs and
-// by more than a few percent. Otherwise returns 0.
+// is a comma-separated list of names; if it is empty, all are measured. `baseline` is the JSON file of an
+// earlier run, or empty; the table shows the changes since that run.
+// Returns 2 if an algorithm is unknown, or the baseline is unreadable or invalid. Returns 1 if the library
+// fails, or if a row is slower than the baseline by several times the noise of both runs and by more than a
+// few percent. Otherwise returns 0.
 int runPerf(const std::string& algorithms, bool isJson, const std::string& baseline);
 
 }  // namespace orlu::conform

@@ -1,4 +1,4 @@
-// Mutants with a faulty table, or with faults in clients, exceptions, records or queries.
+// Mutants of tables, clients, exceptions, records and queries, grouped by the check that detects them.
 #include <unistd.h>
 
 #include <algorithm>

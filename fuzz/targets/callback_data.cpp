@@ -1,5 +1,5 @@
-// Fuzz target: a callback with arbitrary bytes, to a client without Java. The map contains two requests, with
-// the ids (nativeReq) 0 and 1.
+// Fuzz target: a callback with arbitrary bytes for a client that never calls Java. The map contains a
+// synchronous request with the id (nativeReq) 0 and a full-async request with the id 1.
 
 #include "algo_native_client.h"
 #include "algo_native_request_map.h"

@@ -13,11 +13,11 @@ struct ExifFacts {
   ExifInfo info;
   int width = 0;  // pixels
   int height = 0;
-  std::optional<int32_t> rotation;  // degrees clockwise by which viewers rotate the picture
+  std::optional<int32_t> rotation;  // clockwise, in degrees, applied by viewers of the picture
 };
 
-// Returns the segment's contents, starting with "Exif". Most absent or implausible facts are
-// omitted. Empty if libexif fails.
+// Returns the segment's contents, starting with "Exif"; empty if libexif fails. Omits most facts that
+// are absent or implausible.
 std::vector<uint8_t> buildExif(const ExifFacts& facts);
 
 }  // namespace orlu::standin

@@ -18,10 +18,10 @@ struct RealLibrary {
 // Returns the path of the library to open, the first of these:
 // - the path in ORLU_ALGO_LIBRARY, even if there is no such file
 // - liborlu.vac.interface.real.so beside the probe
-// - liborlu.vac.interface.so, other than the probe itself, in the first of these folders that has it: the
-//   folders of LD_LIBRARY_PATH, the folder of the library that contains the address `caller`, the folder lib
-//   beside the probe's own folder, and the system's folders
-// Returns "" if nothing was found.
+// - a liborlu.vac.interface.so that is not the probe itself. Searches these folders in order: the folders of
+//   LD_LIBRARY_PATH, the folder of the library that contains the address `caller`, the folder lib beside the
+//   probe's own folder, and the system's folders.
+// Returns "" if none is found.
 std::string findRealLibrary(const void* caller);
 
 // Opens the library and looks up its entry. Never closes it: its code runs until the process ends.

@@ -33,7 +33,8 @@ struct Platform<Result(Parameters..., ...)> {
 
 }  // namespace agreement
 
-// Use these macros at global scope. OPAQUE does not compare sizes; RECORD does, and its fields need FIELD.
+// Use these macros at global scope. OPAQUE only maps our type to the platform's. RECORD also compares size
+// and alignment; use FIELD to compare a field's offset and type.
 #define OPAQUE(our, platform)       \
   template <>                       \
   struct agreement::Platform<our> { \

@@ -1,5 +1,5 @@
-// Compares Android's jni.h with the JDK's; builds and tests here use the JDK's. A slot is a function pointer
-// in one of the VM's tables.
+// Compares Android's jni.h with the JDK's (namespace `ours`), which the builds and tests here use. A slot is
+// a function pointer in one of the VM's tables.
 #include "ours/jni.h"
 
 namespace ours {

@@ -7,7 +7,7 @@ import picocli.CommandLine.Command;
 import picocli.CommandLine.Option;
 import picocli.CommandLine.Parameters;
 
-/** Arguments of ./run trials, which comparisons start for one request. TrialSession runs the trials. */
+/** Arguments of ./run trials. Comparisons start this command for one request; TrialSession runs it. */
 @Command(customSynopsis = "./run trials REQUEST [--only TAG]... --record FILE",
         description = "Find by trial what each tag of a request changes.")
 final class TrialsCommand implements Subcommand {

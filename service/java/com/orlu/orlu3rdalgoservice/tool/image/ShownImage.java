@@ -4,9 +4,9 @@ import java.awt.image.BufferedImage;
 import java.awt.image.DataBufferByte;
 import java.util.Arrays;
 
-/** Makes the image that a page shows: in full size, or reduced by 2, 4, 8, ... if the picture is large. */
+/** Makes the image that a page shows: in full size, or reduced by a factor of 2, 4, 8, ... if large. */
 final class ShownImage {
-    /** Limit of the longer side, in pixels: a screen can't show more of two images side by side. */
+    /** Limit of the longer side, in pixels. A screen can't show two larger images side by side. */
     private static final int LARGEST_SIDE = 2048;
     private static final int CHANNELS = PixelRows.CHANNELS;
 

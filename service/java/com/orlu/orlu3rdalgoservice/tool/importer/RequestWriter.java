@@ -11,7 +11,7 @@ import java.util.stream.Collectors;
 
 /** Writes frames and pictures as the text of a request file. */
 public final class RequestWriter {
-    /** Nesting levels that are broken into lines, down to the tags. */
+    /** Number of nesting levels that are broken into lines, so that each tag has its own line. */
     private static final int SPREAD_LEVELS = 4;
 
     private final Path mFolder;
@@ -26,8 +26,8 @@ public final class RequestWriter {
     }
 
     /**
-     * Returns the request file's text. Without pictures, the inputs are made from `photo`; if `photo` is null
-     * too, there are no inputs.
+     * Returns the request file's text. If there are no pictures, the inputs are made from `photo`. If `photo`
+     * is null too, the request has no inputs and no outputs.
      */
     public String text(List<Path> sources, List<String> algorithms, Path photo) {
         Map<String, Object> request = JsonWriter.object("about", "Imported from " + sources.stream()

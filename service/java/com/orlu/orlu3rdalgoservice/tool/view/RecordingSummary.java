@@ -36,7 +36,7 @@ public final class RecordingSummary {
         Json header = mRun.header();
         mTo.println(Printable.line(mRun.folder().toString()));
         long time = header.require("milliseconds").integer(0, MOST_MILLISECONDS);
-        // A copy without private facts has no time.
+        // In a copy without private facts, the time is 0, and the machine and the system are missing.
         line("recorded", (time == 0 ? "" : Instant.ofEpochMilli(time) + " on " + header.string("machine", "")
                 + ", " + header.string("system", "") + ", ") + "interface " + header.require("interface").text());
         line("request", mRun.request().id() + " \"" + mRun.request().type() + "\"");
@@ -119,7 +119,8 @@ public final class RecordingSummary {
         line("put", puts + " values into " + mRun.puts().size() + " frames");
         printImages("result", mRun.results());
         printHanded(mRun.handed());
-        // A full-async request's callback may be open in a complete recording: it returns after the results.
+        // A complete recording may lack the return of a full-async request's callback: Java may fetch the
+        // results before the callback returns.
         if (!mRun.isComplete()) {
             mRun.events().open().forEach(call -> line("open", call.operation() + " has not returned"));
         }

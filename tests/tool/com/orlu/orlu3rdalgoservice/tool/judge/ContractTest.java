@@ -12,7 +12,7 @@ import java.util.stream.Collectors;
 
 import org.junit.Test;
 
-/** Tests that breaches of the contract are found in recorded calls. */
+/** Tests that Contract finds the breaches in recorded calls. */
 public final class ContractTest {
     private static final String CLIENT = "begin 1 createClient\nend 1 createClient 'result': '0x100'\n";
     private static final String BLOCK =
@@ -32,7 +32,7 @@ public final class ContractTest {
     private static final String VISIT =
             "begin 7 visit 'tid': %d, 'of': 6, 'section': 'orlu.algo.control', 'key': '%s', 'size': %d\n";
 
-    /** Parses events, one a line: "EVENT N OP", and further fields. */
+    /** Parses events, one per line: "EVENT N OP", and further fields. */
     private static List<Event> events(String text) {
         List<Event> events = new ArrayList<>();
         text.lines().forEach(line -> {
@@ -106,7 +106,8 @@ public final class ContractTest {
             {SUBMITTED + ENDED + "begin 10 destroyMetadata 'block': '0x1000'", ""},
             {SUBMITTED.replace("'result': 0\n", "'result': -22\n")
                     + "begin 4 destroyMetadata 'block': '0x1000'", ""},
-            // The second block, the camera's, may be destroyed as soon as process has returned.
+            // The second block is the camera block. The service may destroy it once process has returned,
+            // before the callback.
             {BLOCK + "begin 3 process " + RECORD.replace("[{", "[{'block': '0x0'}, {")
                     + "\nbegin 4 destroyMetadata 'block': '0x1000'", "SERVICE block-in-use 4"},
             {SUBMITTED.replace("[{", "[{'block': '0x0'}, {")
@@ -120,7 +121,7 @@ public final class ContractTest {
     @Test
     public void allowsReusedAddressesAndLateCallbacks() {
         String[] rows = {
-            // Another thread gets the same address before the recorded end of the destruction.
+            // Another thread gets the same address before the "end" event of the destroying call.
             BLOCK + "begin 3 destroyMetadata 'block': '0x1000'\nbegin 4 createMetadata\n"
                     + "end 4 createMetadata 'result': '0x1000'\nend 3 destroyMetadata\n"
                     + "begin 5 getSize 'block': '0x1000'\n",
@@ -142,7 +143,7 @@ public final class ContractTest {
             // Two clients whose requests have the same id.
             SUBMITTED + (SUBMITTED + "begin 4 " + CALLED).replace("0x1", "0x2").replace("0xc", "0xd")
                     + "begin 4 " + CALLED,
-            // A second process continues the events file.
+            // A second operating-system process continues the events file.
             SUBMITTED + "header 0 none\n" + SUBMITTED + "begin 4 " + CALLED,
         };
         for (String row : rows) {
