@@ -19,14 +19,14 @@ public:
   ~NativeFrame() { test::env()->PopLocalFrame(nullptr); }
 };
 
-// The lines that a request logs at full verbosity.
+// Numbers of lines that a request logs when all log lines are enabled.
 struct LogLines {
   int debug = 0;
   int error = 0;
 };
 
-// Use only on the creating thread. A full-async request is one call of processImage(), with the callback
-// inside, and one of processImageUpdateResult(); the service's work between them is not measured.
+// Use only on the creating thread. For a full-async request, measures processImage(), during which the
+// callback arrives, and processImageUpdateResult(). Does not measure the service's work between these calls.
 class RequestRunner {
 public:
   explicit RequestRunner(Shot& shot);

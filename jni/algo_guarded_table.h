@@ -48,8 +48,9 @@ public:
   // Returns the block's size in bytes; 0 if the block is null or the library can't report the size.
   unsigned sizeOf(void* block) const;
   AlgoMetadataEntry entryOf(void* parameterBlock) const;
-  // Copy `size` bytes into the block, or at most `size` bytes out of it. Return the library's status
-  // (0: success), or -1 if the block is null, the operation is missing or it throws.
+  // setValue() copies `size` bytes from `data` into the block. getValue() copies at most `size` bytes from
+  // the block to `data`. Both return the library's status (0: success), or -1 if the block is null or the
+  // operation is missing or throws.
   int setValue(JNIEnv* env, void* block, const char* section, const char* key, void* data,
                unsigned size) const;
   int getValue(JNIEnv* env, void* block, const char* section, const char* key, void* data,

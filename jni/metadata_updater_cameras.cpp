@@ -9,8 +9,8 @@
 namespace orlu {
 namespace {
 
-// Returns the name that the bokeh session determines, else the tag's value. A string that fills the field is
-// not terminated. The log line names `operation`.
+// Calls `nameOf` with the bokeh session. Returns the name, or the tag's value if the name is empty. A string
+// that fills the field is not terminated. The log line names `operation`.
 template <typename Field>
 Field readBokehText(const Shot& shot, const char* operation, std::string_view (*nameOf)(int32_t),
                     const char* tag) {

@@ -1,5 +1,5 @@
-"""Makes the entries of catalogue.json from the hand-written tables in service/java/.../tool/tags, from the
-samples, and from the rows that make_catalogue.py finds by trial and in the source."""
+"""Makes the entries of catalogue.json from the hand-written tables in service/java/.../tool/tags, the
+samples, and the findings of make_catalogue.py. Each finding is a row of text: "KIND NAME REST"."""
 
 import json
 import re
@@ -8,13 +8,14 @@ from pathlib import Path
 ROOT = Path(__file__).resolve().parent.parent
 TABLES = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/tags"
 PLATFORM = ROOT / "host/java/android/hardware/camera2/impl"
-# Most parameters depend on this tag, so docs/contract.md does not list it for each parameter.
+# Most parameters depend on this tag. docs/contract.md therefore does not list it for each parameter, and the
+# tag's catalogue entry has no values under "whenAbsent".
 ALGORITHM_LIST = "orlu.control.algoType"
 LONGEST_VALUE = 60
 MOST = "more than half of the parameters of some requests"
 NOBODY = "nobody: no function of the library asks for it"
-# Marks the clarity scores: the library writes one element per frame, or 50 zeros if the camera calculated
-# none, and reads 50 back.
+# The size of the clarity scores in parameters.txt. The library writes one score per frame, or 50 zeros if the
+# camera calculated no scores. It reads 50 scores back.
 BY_FRAMES = "*"
 # Bytes per element, for types with several elements.
 ELEMENTS = {"INTS": 4, "FLOATS": 4, "LONGS": 8, "DOUBLES": 8, "BITS": 8}
@@ -89,7 +90,7 @@ class Sample:
         return text + (f", {image['width']} x {image['height']}" if "width" in image else "")
 
     def tags(self):
-        """Returns every tag of the request with one value: the common one, else the first in a frame."""
+        """Returns every tag of the request with its value for all frames, else its first value in a frame."""
         tags = {}
         for frame in [self.frame_set.get("common", {}), *self.each]:
             for store in ("captureResult", "composition"):

@@ -20,7 +20,8 @@ using test::putKey;
 
 class AlgoFaultsTest : public test::RequestScene {
 protected:
-  // Flushes, aborts, queries and translates a file. Then releases the client without destroying it.
+  // Calls the natives to flush, abort, query data and translate a file. Then releases the client without
+  // destroying it.
   void callTheRest() {
     RequestProcessor::flush(env(), mInst, nullptr, nullptr);
     putKey(mCompositions[0], "AbortKey", test::javaString("orlu.control.frameFlag"));
@@ -109,8 +110,8 @@ TEST_F(AlgoFaultsTest, ManyThreadsCallBackForOneRequest) {
   EXPECT_EQ(0, updateResult(mSubmitted.nativeReq));
 }
 
-// Operations that throw, and operations that leave a Java exception pending. Operations that create an object
-// misbehave before they create it, the others after their work.
+// Tests operations that throw or leave a Java exception pending. An operation that creates an object
+// misbehaves before it creates the object. Any other operation misbehaves after its work.
 class UnrulyOperationTest : public AlgoFaultsTest, public testing::WithParamInterface<const char*> {
 protected:
   // Calls the natives of a client. Returns a line "announced" if Java was notified, then a line for each
@@ -234,8 +235,8 @@ TEST_F(AlgoFaultsTest, JavaGivesUpItsClientDuringProcess) {
   EXPECT_EQ(0, mInst);
 }
 
-// The id is not valid while the request is being submitted. Afterwards Java may finish the request early,
-// once; its block lives until the library calls back.
+// The id is not valid while the request is being submitted. After submission, Java may finish the request
+// once, even before the library calls back. The request's parameter block lives until the library calls back.
 TEST_F(AlgoFaultsTest, NobodyFinishesARequestByGuessingItsId) {
   mAlgo.script.callbacks = 0;
   mAlgo.script.observer = [this, own = mAlgo.script.observer](const probe::WatchedCall& call) {

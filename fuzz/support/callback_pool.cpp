@@ -10,7 +10,8 @@
 namespace orlu::fuzz {
 namespace {
 
-// After the first callback, take() waits up to kPatience for kEnough callbacks, so that the order can change.
+// Once the pool holds a callback, take() waits up to kPatience until the pool holds kEnough callbacks, so
+// that their order can change.
 constexpr size_t kEnough = 3;
 constexpr std::chrono::microseconds kPatience{500};
 

@@ -42,8 +42,8 @@ bool layOutYuv(const AlgoFrameInfo& info, uint8_t* memory, size_t capacity, Imag
   chroma.stride = std::max(strideOr(info.stride[1], 0), static_cast<size_t>(even));
   if (info.stride[1] <= 0) chroma.stride = std::max(luma.stride, static_cast<size_t>(even));
 
-  // If the first plane's size exceeds its rows, the plane ends with padding rows. A smaller size only
-  // leaves out the padding of the last row, which the memory still has.
+  // A planeSize[0] larger than `rows` means that padding rows follow the luma rows. A smaller one only
+  // excludes the padding of the last row, but the memory contains this padding.
   const int32_t scanlines = std::max(info.scanline[0], info.height);
   const uint64_t rows = static_cast<uint64_t>(luma.stride) * static_cast<uint64_t>(scanlines);
   const uint64_t told = info.planeSize[0] > 0 ? static_cast<uint64_t>(info.planeSize[0]) : 0;
@@ -56,7 +56,7 @@ bool layOutRaw16(const AlgoFrameInfo& info, uint8_t* memory, size_t capacity, Im
   plane.columns = info.width;
   plane.rows = info.height;
   plane.sampleBytes = 2;
-  // The stride is in pixels or in bytes; a value too small for bytes means pixels.
+  // The stride is in bytes or in pixels. A stride smaller than the bytes of a row is in pixels.
   const size_t told = strideOr(info.stride[0], info.width);
   plane.stride = told >= plane.rowBytes() ? told : 2 * std::max(told, static_cast<size_t>(info.width));
   return addPlane(view, memory, capacity, 0, plane);

@@ -1,6 +1,6 @@
-// The contents of one metadata block: values by section and key in a parameter block, serialised metadata in
-// a camera-metadata block. Thread-safe: work on a request may continue after the block's owner has stopped
-// waiting.
+// The contents of one metadata block. A parameter block contains values by section and key; a camera-metadata
+// block contains serialised metadata. Thread-safe: work on a request may continue after the block's owner has
+// stopped waiting.
 #pragma once
 
 #include <cstdint>
@@ -26,16 +26,17 @@ public:
   explicit ParameterSet(int kind) : mKind(kind) {}
 
   int kind() const { return mKind; }
-  // Returns a size in bytes: of all values (without their names), or of the serialised metadata.
+  // Returns the size of all values (without their names) or of the serialised metadata, in bytes.
   size_t size() const;
 
-  // Stores a copy of `size` bytes. Returns -1 for a null name, for null data unless `size` is 0, and for a
-  // camera-metadata block.
+  // Stores a copy of `size` bytes. Returns -1 if a name is null, if `data` is null and `size` is not 0, or if
+  // this is a camera-metadata block.
   int set(const char* section, const char* key, const void* data, size_t size);
-  // Copies at most `size` bytes of the value to `data`; the bytes beyond a shorter value are unchanged.
-  // Returns -1 if the value is absent, for a null name, and for null data unless `size` is 0.
+  // Copies at most `size` bytes of the value to `data`. If the value is shorter, leaves the rest of `data`
+  // unchanged. Returns -1 if the value is absent, a name is null, or `data` is null and `size` is not 0.
   int get(const char* section, const char* key, void* data, size_t size) const;
-  // Replaces the serialised metadata. Returns -1 for a parameter block, and for null unless `size` is 0.
+  // Replaces the serialised metadata. Returns -1 if this is a parameter block, or if `bytes` is null and
+  // `size` is not 0.
   int setRaw(const char* bytes, size_t size);
 
   // Returns copies of a section's values, in the order in which they were first set.

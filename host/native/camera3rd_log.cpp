@@ -1,4 +1,4 @@
-// liborlu.camera3rd.log.so.
+// liborlu.camera3rd.log.so: the log level, and the file name of a path.
 
 #include <cutils/properties.h>
 #include <orlu/camera3rd_log.h>

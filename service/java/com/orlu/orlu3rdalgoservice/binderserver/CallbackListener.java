@@ -5,6 +5,6 @@ import java.util.Map;
 /** Receives the native side's callbacks, on the thread on which the algorithm library calls back. */
 @FunctionalInterface
 public interface CallbackListener {
-    /** The map contains "nativeRequestAddr" for a finished request, "eventType" for a light stream. */
+    /** `values` contains "nativeRequestAddr" for a finished request, or "eventType" for a light stream. */
     void onCallback(long clientId, int algoContextIndex, long requestId, Map<String, Object> values);
 }

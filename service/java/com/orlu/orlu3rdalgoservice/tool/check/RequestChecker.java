@@ -59,7 +59,7 @@ public final class RequestChecker {
         if (!isRecorded) {
             mistakes.attempt(() -> checkSizes(request, mistakes));
         } else if (mistakes.errors() == 0) {
-            // The recorded sizes are those that the service passed, so there is no advice on them.
+            // The service itself passed the recorded sizes, so they need no warnings.
             mUnderstood.add(() -> understood(request, request.inputs(), request.outputs()));
         }
         if (mistakes.errors() == 0) {
@@ -79,7 +79,7 @@ public final class RequestChecker {
         }
     }
 
-    // Returns the images with their sizes. Reports and omits those whose stride is too small for a row.
+    // Returns the images with their sizes. Reports and omits images whose stride is too small for a row.
     private static List<ImagePlan> sized(List<ImagePlan> images, FrameSize size, Mistakes mistakes) {
         List<ImagePlan> sized = new ArrayList<>();
         for (ImagePlan image : images) {
@@ -100,7 +100,7 @@ public final class RequestChecker {
         throw request.place().error("photo", problem);
     }
 
-    // Returns the line about a file without errors. `inputs` and `outputs` have their final sizes.
+    // Returns the line to print if the file has no errors. `inputs` and `outputs` have their final sizes.
     private static String understood(RequestFile request, List<ImagePlan> inputs, List<ImagePlan> outputs) {
         int frames = request.frames().frames().size();
         return request.file() + ": ok: " + counted(frames, "frame")
@@ -125,7 +125,7 @@ public final class RequestChecker {
         return asksFor ? String.join(" ", (String[]) asked) : "no algorithms";
     }
 
-    /** Returns the requests of the files without errors. */
+    /** Returns the requests from those files that have no errors. */
     public List<RequestFile> requests() {
         return mRequests;
     }
@@ -153,12 +153,15 @@ public final class RequestChecker {
         return mMistakes.stream().mapToInt(Mistakes::warnings).sum();
     }
 
-    /** Prints a line about each file without errors. */
+    /** Prints one line for each file that has no errors. */
     public void printUnderstood(PrintStream to) {
         mUnderstood.forEach(line -> to.println(Printable.line(line.get())));
     }
 
-    /** Prints a line for each error and warning, and their counts; nothing if there are none. */
+    /**
+     * Prints the lines of each file's errors and warnings (see Mistakes.lines()), then the total counts.
+     * Prints nothing if there are no errors and no warnings.
+     */
     public void printMistakes(PrintStream to, boolean isStrict) {
         for (Mistakes mistakes : mMistakes) {
             mistakes.lines().forEach(to::println);

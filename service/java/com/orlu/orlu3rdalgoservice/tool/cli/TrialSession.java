@@ -24,15 +24,18 @@ import java.util.List;
 import java.util.Set;
 
 /**
- * Runs the trials of one command line and writes the results to the work folder; the subcommand trials
- * writes them to the file of --record. The trials have their own process beside the command: the native
- * library opens its algorithm library only once, and trials need one that answers at once.
+ * Runs the trials of one command line. Writes the results to the work folder or, for "./run trials", to the
+ * file of --record. The trials run in a separate process, because they need an algorithm library that answers
+ * at once, and the native library can open only one algorithm library.
  */
 final class TrialSession {
     private TrialSession() {
     }
 
-    /** Reports mistakes in arguments and files for the subcommand trials; other commands report their own. */
+    /**
+     * Reports mistakes in arguments and files only for "./run trials". For other command lines, the command's
+     * own process reports them.
+     */
     static int run(String[] arguments, String library) throws IOException {
         List<Dependences> all = new ArrayList<>();
         Path to = WorkFolder.trials();

@@ -19,8 +19,8 @@ public record OutputMeasure(double psnr, double ssim, int output) {
     public static final OutputMeasure NONE = new OutputMeasure(Double.NaN, Double.NaN, 0);
 
     /**
-     * Compares the outputs in pairs. The result is NaN if the runs have different numbers of outputs, and
-     * equality if they have none.
+     * Compares the outputs in pairs. If the runs have different numbers of outputs, PSNR and SSIM are NaN. If
+     * neither run has outputs, PSNR is infinite and SSIM is 1.
      */
     public static OutputMeasure of(Run one, Run other) throws MistakeException {
         List<ImageLayout> left = one.results();

@@ -8,7 +8,7 @@ import java.util.stream.Collectors;
 
 import org.junit.Test;
 
-/** Tests the order and the bounds of slices in a trace file, and its arrows. */
+/** Tests a trace file's arrows, and the order and bounds of its slices. */
 public final class TraceFileTest {
     private static String text(Map<String, Object> event) {
         String phase = (String) event.get("ph");
@@ -27,7 +27,8 @@ public final class TraceFileTest {
 
     @Test
     public void nestsSlices() {
-        // Slices of one lane as "name start end", and the lane as written. The trace starts at 1000.
+        // {slices of one lane as "name start end", expected events}. The times of slices are in nanoseconds.
+        // The times of events are in microseconds and count from the start of the trace, 1000 ns.
         String[][] rows = {
             {"a 1000 3500", "X a 7 0.0+2.5"},
             {"b 2000 3000, a 1000 4000", "X a 7 0.0+3.0; X b 7 1.0+1.0"},
