@@ -16,8 +16,8 @@ namespace {
 
 thread_local JniRecorder* gRecorder = nullptr;
 
-// The argument types of every method that was looked up in this or an earlier recording: "LI" for an object
-// and an integer. Method ids stay valid while their classes are loaded.
+// The argument types of every method that was looked up in this or an earlier recording, for example "LI" for
+// an object and an integer. Method ids stay valid while their classes are loaded.
 std::unordered_map<jmethodID, std::string>& shapes() {
   static std::unordered_map<jmethodID, std::string> all;
   return all;
@@ -68,7 +68,7 @@ template <typename T>
 constexpr bool kIsObject = std::is_convertible_v<T, jobject>;
 template <typename T>
 constexpr bool kIsId = std::is_same_v<T, jmethodID> || std::is_same_v<T, jfieldID>;
-// Strings, buffers, and pointers that receive the isCopy flag.
+// True for pointers to strings, buffers and isCopy flags.
 template <typename T>
 constexpr bool kIsMemory = std::is_pointer_v<T> && !kIsObject<T> && !kIsId<T>;
 
@@ -135,7 +135,7 @@ struct RecorderFunctions {
     }
   }
 
-  // A JNI function that calls no Java method: its C++ type determines its arguments.
+  // A JNI function that calls no Java method. Its C++ type defines the types of its arguments.
   template <auto Member>
   struct Plain;
 
@@ -164,8 +164,8 @@ struct RecorderFunctions {
       add(recorder, name, call);
     }
 
-    // Returns the number of bytes that a Set...Region function reads from its buffer, possibly 0; kNoRegion
-    // for all other functions.
+    // For a Set...Region function, returns the number of bytes that it reads from its buffer, possibly 0. For
+    // all other functions, returns kNoRegion.
     static size_t bytesBehind(Arguments... arguments) {
       if constexpr (sizeof...(Arguments) == 4) {
         const auto all = std::make_tuple(arguments...);
@@ -205,7 +205,7 @@ struct RecorderFunctions {
 
     static void noteReferences([[maybe_unused]] JniRecorder& recorder,
                                [[maybe_unused]] Arguments... arguments) {
-      // A released address may be reused.
+      // Forgets the slot of released memory: the VM may reuse the address.
       if (std::strncmp(name, "Release", 7) == 0) (giveBack(recorder, arguments), ...);
       if constexpr (sizeof...(Arguments) == 1) {
         if (std::strcmp(name, "DeleteLocalRef") == 0) recorder.freedReference();
@@ -237,7 +237,7 @@ struct RecorderFunctions {
     }
   };
 
-  // A JNI function that calls a Java method: the method determines the arguments.
+  // A JNI function that calls a Java method. The signature of that method defines the types of its arguments.
   template <auto Member>
   struct Method;
 
@@ -280,7 +280,7 @@ struct RecorderFunctions {
       next->method = method;
     }
 
-    // Passes a va_list, as the product's own calls do.
+    // Calls the JNI function with a va_list, as the library's own calls do.
     static Result listed(JNIEnv* env, Target target, jmethodID method, ...) {
       va_list list;
       va_start(list, method);
@@ -362,7 +362,7 @@ uint32_t JniRecorder::objectSlot(void* object) {
   return mSlots[object] = mRecording.addSlot(object);
 }
 
-// Returns the slot of a string that the VM lent; copies a string of the caller into a new slot.
+// Returns the string's slot if the VM lent the string. Otherwise copies the string into a new slot.
 uint32_t JniRecorder::textSlot(const char* text) {
   if (text == nullptr) return kNullSlot;
   const uint32_t lent = slotOf(text);

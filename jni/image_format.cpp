@@ -8,10 +8,10 @@ namespace {
 
 constexpr auto& kLogTag = VRequest::kLogTag;
 
-// Oddity 4.
+// Name of a code without a name. The misspelling is oddity 4.
 constexpr char kUndefined[] = "undefineFromat";
 
-// Names of the codes 1 to 33.
+// Names of the image-format codes 1 to 33.
 constexpr const char* kFormatNames[] = {
     "ALGO_IMG_NV21",            // 1
     "ALGO_IMG_NV12",            // 2

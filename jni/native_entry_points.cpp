@@ -1,5 +1,6 @@
-// The library's only exports: the Java service's native methods, which never use Java's `this`. No exception
-// may reach the VM: a method that runs out of memory logs an error and returns -1, null or handle 0.
+// The library's only exports: the Java service's native methods, which never use Java's `this`. No C++
+// exception may reach the VM: a method that catches one (out of memory) logs an error and returns -1, null or
+// handle 0. Only notify() ends the process.
 
 #include <cstdlib>
 
@@ -65,7 +66,7 @@ ORLU_NATIVE(jint, translateParamFiles)
   return ORLU_FORWARD(-1, translateParamFiles, env, inst, sharedMemory, param);
 }
 
-// Ends the process, even if an earlier step fails.
+// Always ends the process, even if RequestProcessor::notify() throws before it does so.
 ORLU_NATIVE(void, notify)(JNIEnv* env, jobject, jlong inst, jobject param) {
   try {
     RequestProcessor::notify(env, inst, param);

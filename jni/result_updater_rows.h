@@ -1,4 +1,4 @@
-// Rows of the result updater. Included only by the updater's own files.
+// The two forms of the result updater's rows. Included only by the updater's own files.
 //
 //   copy<int32_t>(kFeedback, "hdr_choosed_frame", "orlu.feedback.hdrChoosedFrame", -1);
 //   put<Floats<2>>(lastFrame, "orlu.feedback.rawhdrISPAEParams", gains);
@@ -16,7 +16,7 @@
 
 namespace orlu {
 
-// Select the parser's putter by the type of the value.
+// Overloads that pass a value to the parser's putter for the value's type.
 namespace putter {
 
 using P = CameraMetadataParser;

@@ -1,4 +1,4 @@
-// Mutants of parameter blocks.
+// Mutants with faults in parameter blocks or visitors.
 #include <algorithm>
 #include <map>
 #include <mutex>
@@ -134,8 +134,9 @@ void visitUnderLock(Table& table) {
 }
 
 // threads
-// A block of useLooseStore(), which replaces the minimal library's store. The flags of useLooseStore() select
-// whether writes and reads of a block's values are locked; the list of blocks is always locked.
+
+// useLooseStore() replaces the minimal library's store by one with these blocks. Its flags select whether
+// setValue() and getValue() lock the block. The list of blocks is always locked.
 struct LooseBlock {
   std::mutex mutex;
   std::map<std::string, std::string> values;

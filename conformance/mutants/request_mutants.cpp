@@ -1,4 +1,4 @@
-// Mutants of requests, grouped by the check that detects them.
+// Mutants with faults in requests, callbacks, images or resources, grouped by the check for the fault.
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <jni.h>
@@ -148,7 +148,7 @@ void leakDescriptor(Table& table) {
             [](const AlgoProcessRecord&) { [[maybe_unused]] const int kept = fcntl(0, F_DUPFD_CLOEXEC, 0); });
 }
 void leakMemory(Table& table) {
-  static std::map<int, std::string> kept;  // reachable, so leak checkers ignore it; only its growth shows
+  static std::map<int, std::string> kept;  // reachable, so leak checkers ignore it; only growth reveals it
   onProcess(table, [](const AlgoProcessRecord&) { kept[static_cast<int>(kept.size())].resize(1000); });
 }
 void leakThread(Table& table) {

@@ -13,7 +13,7 @@ namespace orlu::standin {
 std::vector<uint8_t> callbackMessage(uint64_t nativeReq, const std::string& name, const void* payload,
                                      size_t payloadSize);
 
-// Calls the result callback of the cookie on this thread. Does nothing for cookie 0.
+// Calls, on this thread, the result callback whose address is the cookie. Does nothing for cookie 0.
 void sendCallback(uint64_t cookie, const std::vector<uint8_t>& message,
                   const std::vector<android::hardware::hidl_handle>& handles);
 

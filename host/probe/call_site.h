@@ -19,8 +19,9 @@ struct Module {
   uintptr_t end = 0;
 };
 
-// The modules of this process by address. They are read again if an address is in none of them. Modules are
-// never removed, so an unloaded module hides a module that is loaded later at the same addresses.
+// The modules of this process by address. If no known module contains an address, find() reads the loader's
+// list again. The table never forgets a module, so an unloaded module hides a module that is loaded later at
+// the same addresses.
 class ModuleTable {
 public:
   // Returns null for an address in no module. The module is valid until the process ends.
@@ -34,8 +35,8 @@ private:
   std::vector<std::shared_ptr<const Module>> mModules;
 };
 
-// The calling library's frames, innermost first, as addresses inside the call instructions. The probe's own
-// frames are skipped, and the walk stops at the first frame of another module.
+// The stack frames of the library that called the probe, innermost first, as addresses inside the call
+// instructions. The list has no frames of the probe and ends before the first frame outside that library.
 struct CallSite {
   static constexpr int kMostFrames = 12;
 

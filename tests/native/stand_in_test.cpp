@@ -43,7 +43,7 @@ protected:
                      reinterpret_cast<uintptr_t>(&mCallback), 0, {});
   }
 
-  // Waits for `count` callbacks and returns the requests in the order of their callbacks.
+  // Waits up to 60 seconds for `count` callbacks. Returns the requests in the order of their callbacks.
   std::vector<uint64_t> waitFor(size_t count) {
     std::unique_lock<std::mutex> lock(mMutex);
     mChanged.wait_for(lock, std::chrono::seconds(60), [&] { return mDone.size() >= count; });

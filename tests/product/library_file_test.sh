@@ -40,14 +40,14 @@ natives=(
   abort algoInit algoRelease createNativeClient destroyNativeClient flush getData getVersion notify processImage
   processImageUpdateResult translateParamFiles
 )
-# lld also exports symbols that mark where the data ends; no loader uses them.
-# Columns: number, value, size, type, binding, visibility, section, name.
+# Ignores the symbols that lld exports to mark where the data ends: no loader uses them.
+# readelf's columns: number, value, size, type, binding, visibility, section, name.
 offered=$(awk '$1 ~ /^[0-9]+:$/ && $5 != "LOCAL" && $7 != "UND" && $8 !~ /^(_edata|_end|__bss_start)$/ { print $4 "/" $8 }' <<<"$symbols")
 expect "exported symbols" "$(printf "FUNC/$prefix%s\n" "${natives[@]}" | sort | xargs)" \
   "$(sort <<<"$offered" | xargs)"
 expect_match "stack protector" ' UND __stack_chk_fail(@|$)' "$symbols"
 
-# Only the libraries that the loader must find. The algorithm library is opened later.
+# The libraries that the loader must find. They don't include the algorithm library, which is opened later.
 needed=$(dynamic NEEDED)
 toolchain='^(libstdc\+\+|libc\+\+|libc\+\+abi|libunwind|libm|libgcc_s|libc|ld-linux(-x86-64|-armhf|-aarch64)?)\.so\.[0-9]$'
 expect "needed libraries of the device" \

@@ -6,7 +6,7 @@ import android.hardware.camera2.params.MeteringRectangle;
 import android.location.Location;
 import android.util.Rational;
 
-/** The type of a tag's value, and the class that stores it. */
+/** The types of tag values, each with the Java class that stores the value. */
 public enum TagType {
     INT(Integer.class),
     LONG(Long.class),
@@ -31,7 +31,7 @@ public enum TagType {
         mStored = stored;
     }
 
-    /** Returns whether a value in a parcel includes its own length, as arrays and strings do. */
+    /** Returns whether a parcel's format for this type starts with a length, as for arrays and strings. */
     boolean isCounted() {
         return mStored.isArray() || this == STRING;
     }

@@ -4,7 +4,7 @@ import com.orlu.orlu3rdalgoservice.datastruct.VImageIPC;
 import com.orlu.orlu3rdalgoservice.tool.request.ImagePlan;
 import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
-/** The content of an image after a request, read with the description that the native side left. */
+/** Reads an image after a request. The native side may have set the format and sizes in its descriptor. */
 public final class OutputReader {
     /** A limit of the width, so that a row's bytes fit an int. */
     private static final int LARGEST_SIDE = 1 << 28;
@@ -58,7 +58,7 @@ public final class OutputReader {
         return mPicture;
     }
 
-    /** Why the content could not be read; empty if it was read. */
+    /** Why the content could not be read, as a text to follow "is"; empty if it was read. */
     public String problem() {
         boolean isEmptyJpeg = mImage.descriptor().mFormat.equals(PixelFormat.JPEG.name())
                 && firstPlaneSize() == 0;
@@ -72,7 +72,7 @@ public final class OutputReader {
         VImageIPC image = mImage.descriptor();
         PixelFormat format = PixelFormat.named(image.mFormat);
         if (format == null) {
-            // A custom format name: the layout is that of the plan's format.
+            // A custom format name: the memory has the layout of the plan's format.
             format = mImage.plan().format();
         }
         if (format == PixelFormat.JPEG) {

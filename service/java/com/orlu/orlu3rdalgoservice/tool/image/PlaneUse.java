@@ -23,7 +23,9 @@ public final class PlaneUse {
     private int mUsedPadding;
     private int mEmptyTail;
 
-    /** Sizes are in bytes; bytes outside the memory count as zero. Padding is the rest of a row's stride. */
+    /**
+     * Sizes are in bytes. Bytes outside the memory count as zero. Padding: a row's bytes after its pixels.
+     */
     PlaneUse(String name, long offset, int size, int stride, int rowBytes, ByteBuffer memory) {
         mName = name;
         mOffset = offset;
@@ -35,7 +37,7 @@ public final class PlaneUse {
         mPixels = new int[bands];
         mPadding = new int[bands];
         int[] rowsOf = new int[bands];
-        // An invalid description may have billions of rows.
+        // Skips rows outside the memory: an invalid description may claim billions of rows.
         long reached = (memory.capacity() - offset + mStride - 1) / mStride;
         int rows = (int) Math.max(0, Math.min(mRows, reached));
         for (int row = 0; row < rows; ++row) {

@@ -46,7 +46,7 @@ public final class EventLog {
         return THREAD.get().tid();
     }
 
-    /** The log in the file that the environment names; null if it names no file. */
+    /** The log in the file that VARIABLE names; null if the variable is unset or empty. */
     public static synchronized EventLog ofEnvironment() throws IOException {
         String path = System.getenv(VARIABLE);
         if (sOfEnvironment == null && path != null && !path.isEmpty()) {
@@ -56,7 +56,10 @@ public final class EventLog {
         return sOfEnvironment;
     }
 
-    /** Creates an event with the present time, this thread, and these fields. Pass it to write(). */
+    /**
+     * Creates an event with the present time, this thread, and the fields: names and values in turn. Pass the
+     * event to write().
+     */
     public Map<String, Object> begin(String event, Object... fields) {
         ThreadName thread = THREAD.get();
         Map<String, Object> line = JsonWriter.object("t", System.nanoTime(), "tid", thread.tid(), "thread",
