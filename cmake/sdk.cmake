@@ -1,5 +1,5 @@
-# The SDK for makers of algorithm libraries: cmake --install BUILD --component sdk --prefix DIR. Each build
-# adds the kit for its machine. scripts/sdk.sh installs the builds for all machines.
+# Installs the SDK for makers of algorithm libraries: cmake --install BUILD --component sdk --prefix DIR. A
+# build contains the kit for its own machine only; scripts/sdk.sh installs the builds for all machines.
 file(STRINGS ${PROJECT_SOURCE_DIR}/jni/algo_interface.h lines
   REGEX "#define ORLU_ALGO_INTERFACE_M[A-Z]+OR [0-9]+$")
 if(NOT lines MATCHES "MAJOR ([0-9]+);.*MINOR ([0-9]+)$")

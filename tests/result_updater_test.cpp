@@ -32,7 +32,7 @@ using test::resultsOf;
 
 // ---- Every step in one request
 
-// All algorithms with results, at the end of a light stream.
+// A request that ends a light stream and lists every algorithm that has results.
 class ResultUpdaterStepsTest : public testing::Test {
 protected:
   ResultUpdaterStepsTest() {
@@ -57,8 +57,8 @@ const std::string kStepsLog =
     "D algo process hdrChoosedFrame = 4\n"
     "D algo process segmentDetectResult = 2\n"
     "D* bestmoment upload index=6\n";
-// ResultScene sets the Java image's width to 1: "64x48" means that the size was set again, "1x48" that it
-// stayed unchanged.
+// Before the translation, ResultScene sets the Java image's width to 1. "64x48" then means that the updater
+// set the size again, and "1x48" means that the updater did not set it.
 const std::string kEncodedOutput = "JPEG 64x48 7777 1536 | 24 64x48 7777 7777 1536";
 const std::string kPackedOutput = "JPEG 1x48 8888 1536 | 24 64x48 8888 8888 1536";
 const std::string kDocumentOutput = "JPEG 320x240 9000 1536 | 24 320x240 9000 9000 1536";
@@ -93,7 +93,7 @@ TEST_F(ResultUpdaterStepsTest, PutWhatTheAlgorithmsLeft) {
   EXPECT_EQ(values, reads);
 }
 
-// Tests one name at a time, so that mixed-up names are detected.
+// Each request lists one algorithm, so that the test detects mixed-up algorithm names.
 TEST_F(ResultUpdaterStepsTest, PutWhatTheAlgorithmOfTheListLeft) {
   for (const std::string algorithm : {"jpegBokehOnly", "ppt", "jpegEncode", "dualBokeh", "singleBokeh",
                                       "lightstream", "hdr", "bestMoment", "refocusJpegPack", "night", ""}) {
@@ -109,7 +109,7 @@ TEST_F(ResultUpdaterStepsTest, PutWhatTheAlgorithmOfTheListLeft) {
   }
 }
 
-// Camera metadata can store a result only if the host's table has its tag and type.
+// Camera metadata can store a result only if the host's table contains the result's tag with the same type.
 TEST(ResultUpdaterTest, EveryResultIsATagOfItsType) {
   const test::LocalFrame frame;
   const std::map<std::string, std::string> types = {
@@ -159,8 +159,8 @@ TEST_F(ResultUpdaterStepsTest, PutNothingWithoutACompositionButSetTheOutputs) {
             mScene.log());
 }
 
-// Log of the last results if all puts fail. The failed put of a long is also logged as putInt(). The lines
-// with * have the short log tag.
+// End of the log if every put fails. A failed put of a long is also logged as putInt(). The lines with * have
+// the short log tag.
 const std::string kPutFailures =
     "D updateMarkMode 0\n"
     "E pCameraMetadataParser->putInt fail\n"

@@ -15,7 +15,8 @@ sys.path.insert(0, str(Path(__file__).parent / "support"))
 from command import BUILD, ROOT, expect, failures, finish, run  # noqa: E402
 
 
-# samples | planted fault | number of slices of a name or category | points of each arrow
+# samples | planted fault | names or categories of slices, each with the number of its slices | the points of
+# each arrow: s (start), t (step) and f (finish)
 CASES = """
 night | | request 1, translation 1, algorithms 1, wait for the callback 1, results 1, Java: process 1 | stf
 night-async | | translation 1, algorithms 1, Java: wait 1, wait for the callback 0, results 1 | stf
@@ -113,7 +114,7 @@ DELAY = 300  # delay of the callback, ms
 
 def measures_stages(folder, sample):
     """Checks --times: the stages cover the run, and the wait for a slow library counts as the library's time.
-    Returns the times that differ from those of another clock."""
+    Returns a line of text for each time that another clock measured differently."""
     result = run("--times", "--algo-delay", str(DELAY), "--out", "shots", "--timeline", "timeline.json",
                  "--json", "results.json", "--events", "events", ROOT / f"samples/{sample}.json", cwd=folder)
     written = json.loads((folder / "results.json").read_text())

@@ -16,8 +16,9 @@ from command import ROOT, expect, failures, finish, run  # noqa: E402
 
 WIDTH, HEIGHT = 32, 24
 X, Y, NEW_WIDTH, NEW_HEIGHT = 8, 6, 12, 10
-# For each image: format | memory | (stride, bytes after the last row) of the first plane or two | bytes of
-# each plane per image column | image rows per row of each plane. Nothing else lies between planes.
+# Layout of each image: format | memory | (stride, number of extra bytes after the plane) for the first plane
+# or the first two planes | for each plane, bytes per image column | for each plane, image rows per plane row.
+# A negative number means that the last row is shorter than the stride. Other planes have no extra bytes.
 LAYOUTS = {
     "nv21": ("NV21", "shared", [(32, 0)], [1, 1], [1, 2]),
     "padded": ("NV21", "hardware", [(48, 0)], [1, 1], [1, 2]),
@@ -41,7 +42,7 @@ def printed(status, *arguments):
 
 
 def planes_of(layout):
-    """Returns the offset, stride, bytes per row and rows of each plane, and the memory's size."""
+    """Returns a list of (offset, stride, bytes per row, rows), one per plane, and the size of the memory."""
     _, _, planes, column, subsampling = layout
     strides = [planes[0][0]] + [planes[-1][0] if len(planes) > 1 else int(planes[0][0] * c)
                                 for c in column[1:]]
@@ -92,7 +93,7 @@ def check_crop(name, layout, folder):
     for part in ("inputs", "outputs"):
         expect(f"{name} {part} area", (NEW_WIDTH, NEW_HEIGHT),
                (found[part][0]["width"], found[part][0]["height"]))
-    # The number of bytes of padding after each row and after each plane stays the same.
+    # A crop preserves the number of padding bytes after each row and after each plane.
     column, subsampling = layout[3], layout[4]
     at = 0
     for i, (old, stride, row_bytes, rows) in enumerate(whole):
@@ -126,7 +127,7 @@ def check_every_layout():
     out = printed(0, "replay", "cropped")
     expect("replayed", len(LAYOUTS), out.count(": ran, "))
     expect("notes", len(LAYOUTS), out.count("note: this recording is trimmed: cropped to 12x10 from 8,6"))
-    # Without a position, crops to the middle, aligned for all formats.
+    # Without X,Y, --crop selects the middle of the image, at a position that is aligned for all formats.
     out = printed(0, "trim", shots[0], "--out", "middle", "--crop", "20,12") + printed(0, "info", "middle")
     expect("the middle", True, "cropped to 20x12" in out)
     pixels = Path("middle/input0.bin").read_bytes()
@@ -147,7 +148,7 @@ def check_every_layout():
 
 
 def check_samples():
-    """Selects a frame and crops the images of several samples; checks which frames and inputs are left."""
+    """Trims several samples to the last frame and a crop; checks which frames and inputs the copies have."""
     kinds = {"night": 1, "bokeh": 2, "raw-night": 1, "hdr7": 1, "refocus": 1}
     printed(0, "--record", "kinds", "--out", "out", *[ROOT / "samples" / f"{kind}.json" for kind in kinds])
     for shot, (kind, inputs) in zip(sorted(Path("kinds").iterdir()), kinds.items()):
@@ -220,7 +221,7 @@ def check_private():
     printed(0, "trim", shot, "--out", "faces", "--private", "--faces")
     expect("faces on demand", True, "android.statistics.faces" in Path("faces/request.json").read_text())
 
-    # Places where a copy by another tool may have strings, and a JPEG input with an EXIF block.
+    # Adds a JPEG input with an EXIF block, and strings in places where another tool may write them.
     jpeg = (shot / "output0.bin").read_bytes()
     image = recorded(shot)["outputs"][0] | {"file": "input0.bin", "size": len(jpeg), "frame": 0,
                                             "crc": f"{zlib.crc32(jpeg):08x}"}

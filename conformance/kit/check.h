@@ -1,5 +1,5 @@
-// A check tests one rule that algorithm libraries must keep. It runs in its own process, so that a crash or a
-// hang fails only this check.
+// A check tests one rule that algorithm libraries must follow. It runs in its own process, so that a crash or
+// a hang fails only this check.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -13,7 +13,7 @@ namespace orlu::conform {
 
 struct Check {
   const char* name;
-  const char* promise;  // one short sentence, printed in reports
+  const char* promise;  // the rule in one short sentence, for reports
   void (*run)();        // runs in the check's process; fails through HOLDS or GoogleTest's macros
 };
 
@@ -27,7 +27,8 @@ const std::vector<Check>& allChecks();
   } else /* NOLINT: in a macro */ \
     ADD_FAILURE()
 
-// Add a remark or a warning to the result; neither fails the check. Thread-safe.
+// note() adds a remark to the check's result, and warn() adds a warning. Neither fails the check. Both are
+// thread-safe.
 void note(const std::string& text);
 void warn(const std::string& text);
 // Makes the check's process skip its exit handlers when the check has returned.
@@ -40,13 +41,13 @@ void missCallback();
 
 struct Options {
   std::string library;
-  int patienceSeconds = 10;   // limit for a callback and an operation
+  int patienceSeconds = 10;   // limit for each callback and each operation
   int limitSeconds = 120;     // per check
   int budgetSeconds = 110;    // for all checks; 0 for no limit
-  double hostileSeconds = 3;  // duration of random parameters
-  double hammerSeconds = 3;   // duration of eight threads that set values
+  double hostileSeconds = 3;  // duration of the check that passes random parameters
+  double hammerSeconds = 3;   // duration of the check in which eight threads set values
   unsigned seed = 1;
-  bool allowNoise = false;  // outputs that differ between equal requests are only a warning
+  bool allowNoise = false;  // whether to only warn if equal requests get different outputs
   std::string jvm;          // path of libjvm.so
 };
 
@@ -57,7 +58,7 @@ enum class Verdict { kPassed, kFailed, kSkipped };
 
 struct Outcome {
   Verdict verdict = Verdict::kPassed;
-  std::vector<std::string> evidence;  // of a failure or a skipped check
+  std::vector<std::string> evidence;  // why the check failed or was skipped
   std::vector<std::string> warnings;
   std::vector<std::string> notes;
   double seconds = 0;

@@ -1,4 +1,4 @@
-// Output of the results for people, scripts and CI.
+// Formats the results of checks: lines for people, and JSON for programs.
 #pragma once
 
 #include <string>
@@ -13,8 +13,9 @@ struct CheckResult {
   Outcome outcome;
 };
 
-// Returns a line with the verdict, the name and the promise (if skipped, the reason instead). Evidence of a
-// failure and warnings follow on indented lines. The text has no final line end.
+// Returns a line with the check's verdict, name and promise; for a skipped check, the reason replaces the
+// promise. The evidence of a failure and the warnings follow on indented lines. The text has no final line
+// end.
 std::string lineOf(const CheckResult& result);
 std::string jsonOf(const std::vector<CheckResult>& results);
 

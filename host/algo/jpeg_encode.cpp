@@ -19,9 +19,9 @@ constexpr size_t kLargestSegment = 0xFFFF - 2;
 
 using Encoder = std::unique_ptr<void, int (*)(void*)>;
 
-// The planes in the encoder's form: luma of even width and height, Cb, and Cr.
+// The planes in the encoder's form: luma with even width and height, Cb, and Cr.
 struct EncoderPlanes {
-  std::vector<uint8_t> luma;  // only for odd sizes; repeats the last column or row
+  std::vector<uint8_t> luma;  // padded copy, only if the width or height is odd
   std::vector<uint8_t> cb;
   std::vector<uint8_t> cr;
   const uint8_t* planes[3] = {};
@@ -44,6 +44,7 @@ void splitChroma(const ImageView& image, EncoderPlanes& out) {
   out.strides[1] = out.strides[2] = chroma.columns;
 }
 
+// Repeats the last column if the width is odd, and the last row if the height is odd.
 void padLuma(const Plane& luma, EncoderPlanes& out) {
   const int evenColumns = luma.columns + luma.columns % 2;
   const int evenRows = luma.rows + luma.rows % 2;
@@ -85,7 +86,8 @@ std::vector<uint8_t> compress(const Encoder& encoder, const ImageView& image, En
   return {jpeg, jpeg + size};
 }
 
-// Inserts the EXIF segment in place of the encoder's JFIF segment: readers expect one or the other.
+// Replaces the encoder's JFIF segment with the EXIF segment: readers expect only one of them. Returns the
+// file unchanged if the EXIF data is empty or too long for a segment.
 std::vector<uint8_t> withExif(const std::vector<uint8_t>& jpeg, const std::vector<uint8_t>& exif) {
   if (exif.empty() || exif.size() > kLargestSegment || jpeg.size() < 6) return jpeg;
   size_t rest = kMarkerBytes;

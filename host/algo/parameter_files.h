@@ -12,8 +12,9 @@ namespace orlu::standin {
 
 class ParameterFiles {
 public:
-  // Reads the record's file, at most record.size bytes from its start. Returns -1 if the size is not positive
-  // or nothing can be read; the entry of the identifier's earlier file is then unchanged.
+  // Reads at most record.size bytes from the start of the record's file. Returns 0, or -1 if the size is not
+  // positive or nothing can be read. After a failure, describe() still returns the values of the identifier's
+  // previous file.
   int read(const AlgoTranslateParamFileRecord& record);
   // Returns "<bytes> <CRC-32 in eight hexadecimal digits>"; empty for an unknown identifier.
   std::string describe(const std::string& identifier) const;

@@ -15,7 +15,7 @@ namespace {
 
 constexpr int kVersion = 1;
 
-// Restores errno, which the probe's writes must not change between a caller and the library.
+// Restores errno. Otherwise, the probe's writes could change the value that the caller or the library sees.
 class ErrnoKeeper {
 public:
   ErrnoKeeper() : mErrno(errno) {}
@@ -27,8 +27,8 @@ private:
   int mErrno;
 };
 
-// Returns the size of a value: how many bytes getValue writes into memory that is larger than `size`. Returns
-// -1 if getValue fails or writes to all of the memory.
+// Returns the size of a value: calls getValue with buffers larger than `size`, and counts the bytes that it
+// writes. Returns -1 if getValue fails or fills a whole buffer.
 int64_t valueSize(const EventRecorder::GetValue& real, void* block, const char* section, const char* key,
                   unsigned size) {
   constexpr unsigned kMore = 64;

@@ -1,4 +1,4 @@
-// Formats Java values as text, and records values put into compositions.
+// Formats Java values as text, and records the values that native code puts into compositions.
 #pragma once
 
 #include <jni.h>
@@ -31,8 +31,8 @@ inline std::string describeJava(jobject value) {
   return text;
 }
 
-// Records every call of putMetadata() on these compositions during its lifetime, in order, including values
-// that later calls overwrite. Each line of text() has the index of the composition, the key and the value.
+// While it exists, records every call of putMetadata() on the given compositions, in order, even if a later
+// call overwrites the value. Each line of text() has the index of the composition, the key and the value.
 class PutRecorder {
 public:
   explicit PutRecorder(std::vector<jobject> compositions)

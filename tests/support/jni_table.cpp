@@ -14,7 +14,7 @@ JniTable* gTable = nullptr;
 }  // namespace
 
 struct JniTableFunctions {
-  // Replaces `Member`: counts calls, and forwards them or makes them fail.
+  // Replaces the JNI function `Member`: counts its calls, and forwards them or makes them fail.
   template <auto Member>
   struct Counted;
 
@@ -102,7 +102,7 @@ int JniTable::calls(const std::string& function) const {
 
 jclass JniTable::findClass(const char* name) {
   mLookups.emplace_back(name);
-  // Looking up a nonexistent class makes the VM set its exception.
+  // For a hidden class, looks up a nonexistent class instead, so that the VM throws its usual exception.
   return mFunctions.env()->FindClass(mHidden.count(name) != 0 ? "no/such/Class" : name);
 }
 
@@ -116,8 +116,8 @@ Id JniTable::findMember(Id (*original)(JNIEnv*, jclass, const char*, const char*
   return original(mFunctions.env(), clazz, hidden ? "noSuchMember" : name, hidden ? "()V" : signature);
 }
 
-// Each object that a function returns is a new local reference, except NewGlobalRef's. PopLocalFrame frees
-// the local references of its frame.
+// Counts local references. Every function that returns an object creates one, except NewGlobalRef().
+// PopLocalFrame() frees the local references of its frame.
 void JniTable::noteObject(const std::string& function, jobject object) {
   if (function == "PopLocalFrame" && !mFrames.empty()) {
     mLocalReferences = mFrames.back();
@@ -127,7 +127,7 @@ void JniTable::noteObject(const std::string& function, jobject object) {
   }
 }
 
-// Returns the class's name in JNI: "java/util/List", "[I".
+// Returns the class's name in JNI's form, such as "java/util/List" or "[I".
 std::string JniTable::nameOf(jclass clazz) {
   if (clazz == nullptr) return "null";
   JNIEnv* const env = mFunctions.env();

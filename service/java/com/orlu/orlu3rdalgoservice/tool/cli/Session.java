@@ -80,7 +80,7 @@ final class Session {
     private final SourceLines mSourceLines = new SourceLines();
 
     private ServiceClient mClient;
-    /** The verdict on the algorithm library after the client was created. */
+    /** The verdict on the algorithm library, from the events up to the creation of the client. */
     private Verdict mLibrary;
 
     Session(RunCommand options) {
@@ -94,7 +94,8 @@ final class Session {
     }
 
     /**
-     * Returns Verdict.REFUSED if a file is invalid, else the first status that is not OK, else OK.
+     * Returns Verdict.REFUSED if a file is invalid (with --check --strict, also if a file has warnings).
+     * Otherwise returns the status of the first request that is not OK; OK if all are OK.
      */
     int run() throws MistakeException, ErrnoException, IOException {
         // Checks all files before the first request runs, so a mistake in the last file is reported at once.
@@ -104,7 +105,7 @@ final class Session {
             checker.printUnderstood(mTo);
             writeCheck(checker);
         }
-        // When requests run, --strict does not stop them for warnings: it changes their verdicts afterwards.
+        // Without --check, --strict runs requests that have warnings, and changes their verdicts afterwards.
         boolean isStrict = mOptions.tried.strict && mOptions.tried.check;
         checker.printMistakes(System.err, isStrict);
         if (!checker.isRight(isStrict)) {
@@ -206,7 +207,7 @@ final class Session {
         return mResults.status();
     }
 
-    /** Prints the verdict on all requests, after the verdict on each. `pages` may be null. */
+    /** Prints the overall verdict, below the verdicts on the single requests. `pages` may be null. */
     static void printOverall(RunCommand options, Results results, PageFolder pages) {
         List<Integer> failed = results.failed();
         String files = failed.stream().map(i -> options.requests().get(i).toString())
@@ -270,7 +271,7 @@ final class Session {
         return new RunReport(run, images, verdict, null, "", "");
     }
 
-    // Waits longer, but only after a timeout: this shows whether the callback is late or missing.
+    // If the callback did not arrive in time, waits longer, to find out whether it is late or missing.
     private void awaitLateCallback(RequestFile request, RequestRunner.Ran ran, RecordedEvents events)
             throws IOException {
         long end = System.nanoTime() + LATE_MILLISECONDS * 1_000_000;

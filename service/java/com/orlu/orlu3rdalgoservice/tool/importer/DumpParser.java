@@ -6,8 +6,8 @@ import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
 /**
- * Finds the metadata buffers in a camera service's dump, ignoring other text. Notes truncated or damaged
- * entries and reads the rest.
+ * Finds the metadata buffers in a camera service's dump, and ignores other text. Adds a note for each
+ * incomplete buffer and each truncated or damaged line, and reads the rest.
  */
 final class DumpParser {
     /** Limit on the number of values of an entry; no tag has more. */
@@ -25,7 +25,7 @@ final class DumpParser {
     private final Notes mNotes;
     private final List<List<DumpEntry>> mBuffers = new ArrayList<>();
     private List<DumpEntry> mBuffer;
-    /** The entry to which following lines of values belong; null after other text. */
+    /** The entry to which the next lines of values belong; null after other text. */
     private DumpEntry mEntry;
     private int mBufferLine;
     private int mAnnounced = -1;
@@ -87,8 +87,8 @@ final class DumpParser {
         mAnnounced = -1;
     }
 
-    // If the closing bracket is missing, the last value may lack digits and is dropped. It is complete if a
-    // blank follows, or if it is a rational, which ends with a parenthesis.
+    // If the closing bracket is missing, drops the last value, which may lack digits. Keeps a value that must
+    // be complete: one before a blank, or a rational, which ends with a parenthesis.
     private void addValues(DumpEntry entry, String line, int number) {
         if (entry.values().size() > Math.min(entry.count(), MOST_VALUES)) {
             return;

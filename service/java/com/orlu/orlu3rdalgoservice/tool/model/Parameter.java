@@ -20,7 +20,10 @@ public record Parameter(String section, String key, byte[] bytes) {
         return ParameterFormatter.format(ParameterTypes.of(section, key), bytes);
     }
 
-    /** The value for programs: a number, a boolean, a string, a list of numbers, else the text for people. */
+    /**
+     * The value for programs: a number, a boolean, a string or a list of numbers; otherwise the same
+     * text as text().
+     */
     public Json json() {
         return Json.of(ParameterFormatter.json(ParameterTypes.of(section, key), bytes));
     }

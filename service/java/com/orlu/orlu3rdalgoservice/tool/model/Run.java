@@ -40,7 +40,7 @@ public final class Run {
     private final List<ImageLayout> mResults = new ArrayList<>();
     private final List<HandedImage> mHanded = new ArrayList<>();
     private final Handover mHandover;
-    // Stages and pass: only for a run in this process.
+    // mStages, mStageTimes and mPass have values only for a run in this process.
     private final List<Stage> mStages = new ArrayList<>();
     private List<StageTime> mStageTimes = List.of();
     private Ran mRan = Ran.NONE;
@@ -185,7 +185,7 @@ public final class Run {
         return mEvents;
     }
 
-    /** The problem of the events file; empty if the file is intact or none was recorded. */
+    /** The problem with the events file; empty if the file is intact or was not recorded. */
     public String eventsProblem() {
         return mFolder == null ? "" : RunFolder.eventsProblem(mFolder, mOutcome);
     }
@@ -227,7 +227,10 @@ public final class Run {
         return mOutcomes;
     }
 
-    /** Whether a call into the native library did not return 0, or process had no callback. */
+    /**
+     * Whether a call into the native library threw or returned a status other than 0, or the algorithm
+     * library's process operation was called but no callback arrived.
+     */
     public boolean hasFailed() {
         boolean isSilent = !mAlgorithms.isEmpty() && mOutcomes.get("callbacks").equals("[]");
         return isSilent || List.of("processed", "updated").stream()
@@ -292,7 +295,7 @@ public final class Run {
     public String trimmed() throws MistakeException {
         StringBuilder text = new StringBuilder();
         for (Json cut : mRoot.list("trimmed")) {
-            // The frame numbers of a further trim are those of the trimmed copy.
+            // After the first trim, frame numbers refer to the trimmed copy instead of the recording.
             text.append(text.isEmpty() ? trimmed(cut, "recording") : ", then " + trimmed(cut, "copy"));
         }
         return text.toString();
@@ -313,7 +316,7 @@ public final class Run {
         return mHandover;
     }
 
-    /** The algorithm list that the request asks for; empty if it has none. */
+    /** The algorithm list in the request's first composition; empty if there is none. */
     public List<String> askedAlgorithms() {
         List<FramePlan> frames = mRequest.frames().frames();
         Object list = frames.isEmpty() ? null : frames.get(0).composition().get("orlu.control.algoType");
@@ -321,8 +324,8 @@ public final class Run {
     }
 
     /**
-     * The algorithms that were passed to the library but that it reports neither as run nor as skipped. None
-     * if the library does not report its work.
+     * The algorithms that the algorithm library received but reports neither as run nor as skipped. Empty if
+     * the library does not report its work.
      */
     public List<String> idleAlgorithms() {
         if (mPass == null) {
@@ -339,7 +342,10 @@ public final class Run {
         return mPass;
     }
 
-    /** The results in this process; for a run that was read, only the inputs. */
+    /**
+     * The results of a run in this process. For a run that was read from a folder, only the inputs are known;
+     * for a run from events alone, nothing.
+     */
     public Ran ran() {
         return mRan;
     }

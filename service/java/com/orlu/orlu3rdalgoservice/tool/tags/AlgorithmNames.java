@@ -2,7 +2,7 @@ package com.orlu.orlu3rdalgoservice.tool.tags;
 
 import java.util.List;
 
-/** The names of algorithms in the library, the stand-in and the samples, as listed in algorithms.txt. */
+/** The algorithm names that the library, the stand-in and the samples use. algorithms.txt lists them. */
 public final class AlgorithmNames {
     private AlgorithmNames() {
     }

@@ -7,7 +7,10 @@ import org.junit.Test;
 
 import java.util.HexFormat;
 
-/** Tests the blanking of JPEG blocks. Files are hexadecimal; in CASES, bytes 41 outside names become 0. */
+/**
+ * Tests the blanking of JPEG blocks. Each of CASES has a name, a file in hexadecimal, and the blanked file.
+ * In CASES, blanking sets each byte 41 to 0, except in the block name "Adobe" (41646f6265).
+ */
 public final class JpegBlocksTest {
     private static final String JFIF = "4a46494600 0101 00 0001 0001";
     private static final String TABLE = "ffdb 0004 0102";
