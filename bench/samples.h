@@ -9,11 +9,11 @@ namespace orlu::bench {
 using Clock = std::chrono::steady_clock;
 using Seconds = std::chrono::duration<double>;
 
-// Returns the (upper) median; 0 if there are no values.
+// Returns the median, the upper one for an even number of values; 0 if there are no values.
 double median(std::vector<double> values);
 
-// Returns a / b for each pair. The two times of a pair are measured in succession, so that a disturbance of
-// the machine affects both.
+// Returns a[i] / b[i] for each index of both lists. Callers measure a[i] and b[i] in succession, so that a
+// disturbance of the machine affects both.
 std::vector<double> ratios(const std::vector<double>& a, const std::vector<double>& b);
 
 }  // namespace orlu::bench

@@ -21,7 +21,7 @@ readonly archive=${XDG_CACHE_HOME:-$HOME/.cache}/orlu-vas/$release-minbase.tar
 work=
 child=
 
-# clean_up: kills the processes in the root, which also unmounts everything, and deletes the root.
+# clean_up: kills the processes in the root and deletes the root. The mounts disappear with the processes.
 clean_up() {
   trap '' INT TERM
   if [ -n "$child" ]; then
@@ -30,7 +30,7 @@ clean_up() {
   fi
   local attempt
   for attempt in 1 2 3 4 5; do
-    # Killed processes may still be exiting and writing.
+    # rm may fail while killed processes are still exiting and writing.
     if [ -z "$work" ] || rm -rf --one-file-system "$work"; then
       return
     fi

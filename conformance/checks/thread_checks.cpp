@@ -1,4 +1,5 @@
-// Checks with more parameters than any request has, and with threads that set values or send requests.
+// Checks of a parameter block with more values than any request sets, and of several threads that set values
+// or send requests at the same time.
 #include "checks.h"
 #include "known_names.h"
 #include "scene.h"
@@ -7,8 +8,8 @@
 namespace orlu::conform {
 namespace {
 
-constexpr size_t kLongest = 120;        // letters in a name
-constexpr size_t kStem = kLongest - 4;  // without the letter and number that make it unique
+constexpr size_t kLongest = 120;        // letters of the longest name
+constexpr size_t kStem = kLongest - 4;  // letters before the letter and number that make the name unique
 
 struct Entry {
   std::string section;
@@ -23,8 +24,8 @@ std::string distinct(size_t number, size_t size) {
   return bytes;
 }
 
-// Returns a value for each name of the service, and for long names that are prefixes of each other or differ
-// only at the end.
+// Returns an entry for each parameter of the service, and entries with long names. Some of the long names are
+// prefixes of others, and some differ only at the end.
 std::vector<Entry> allEntries() {
   std::vector<Entry> entries;
   for (const ParameterSize& row : kParameters) {

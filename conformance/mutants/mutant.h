@@ -46,12 +46,12 @@ uint64_t requestOf(const Bytes& bytes);
 void sendTo(uint64_t cookie, const Bytes& bytes);
 
 // Intercepts the minimal library's callbacks: calls change(bytes, send, block, list) instead of the caller's
-// function. `block` is the record's parameter block, `list` its algorithm list.
+// function. `block` is the first parameter block of the request, `list` the request's algorithm list.
 template <typename Change>
 void onCallback(Table& table, Change change) {
   table.process = [change, process = table.process](const AlgoProcessRecord& record) {
     AlgoProcessRecord changed = record;
-    // Destroyed when it is called.
+    // The function deletes itself when it is called.
     auto* const own = new std::shared_ptr<AlgoResultCallback>(std::make_shared<AlgoResultCallback>());
     **own = [change, own, cookie = record.callbackCookie, block = record.metadata[0].block,
              list = record.algoList](const auto& data, const auto&, const auto&) {
@@ -66,7 +66,7 @@ void onCallback(Table& table, Change change) {
   };
 }
 
-// Calls `before` with each record before the minimal library gets it.
+// Calls before(record) at the start of each process(), before the minimal library gets the record.
 template <typename Before>
 void onProcess(Table& table, Before before) {
   table.process = [before, process = table.process](const AlgoProcessRecord& record) {
@@ -96,8 +96,9 @@ void touch(int fd, size_t size, Change change) {
   munmap(memory, size);
 }
 
-// Calls change(frame, before, memory) for the first output after the minimal library's work and before its
-// callback. `before` contains the bytes of the output before process().
+// Calls change(frame, before, memory) for the first output of each request, when the minimal library has
+// finished its work and before the caller gets the callback. `before` contains the bytes that the output had
+// before process(); `memory` is a mapping of the output.
 template <typename Change>
 void onFinish(Table& table, Change change) {
   table.process = [change, process = table.process](const AlgoProcessRecord& record) {

@@ -65,7 +65,7 @@ WatchedEnd endOf(void* handle) {
   return end;
 }
 
-// Makes the call; exceptions are recorded and passed on.
+// Calls `body`. Reports an exception to the observer and rethrows it.
 template <typename Body>
 auto guarded(TableObserver& observer, const WatchedCall& call, Clock::time_point start, Body&& body) {
   try {
@@ -98,7 +98,7 @@ auto watched(TableObserver& observer, const WatchedCall& call, Body&& body) {
   }
 }
 
-// Stores one replacement function for each cookie.
+// Stores one wrapper for each cookie: a function that reports a callback and calls the caller's function.
 class CookieBook {
 public:
   static CookieBook& instance() {
@@ -106,8 +106,8 @@ public:
     return *book;
   }
 
-  // Returns the cookie to pass to the library instead of `cookie`. If `cookie` is 0 or its function is empty,
-  // returns it unchanged.
+  // Returns the wrapper's address, which the library gets instead of `cookie`. Returns `cookie` if it is 0 or
+  // its function is empty. `process` is the number of the process() call that passes `cookie`.
   uint64_t replacement(uint64_t cookie, uint64_t process, TableObserver& observer) {
     const auto* const callback = reinterpret_cast<const AlgoResultCallback*>(static_cast<uintptr_t>(cookie));
     if (callback == nullptr || !*callback) return cookie;
@@ -153,7 +153,7 @@ AlgoMetadataVisitor watchedVisitor(const AlgoMetadataVisitor& real, uint64_t of,
   };
 }
 
-// Replaces callables by watched callables. `note` stores the arguments in the call.
+// Replaces callables with wrappers that report each call. `note` stores the arguments in the WatchedCall.
 class TableWatcher {
 public:
   explicit TableWatcher(TableObserver& observer) : mObserver(observer) {}
@@ -220,7 +220,7 @@ private:
   TableObserver& mObserver;
 };
 
-// Returns a `note` that stores the address of the only argument in this field of the call.
+// Returns a `note` for callables with one argument: stores the argument's address in this field.
 template <typename Field>
 auto noteIn(Field WatchedCall::*field) {
   return [field](WatchedCall& call, const auto& argument) { call.*field = &argument; };

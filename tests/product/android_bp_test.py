@@ -3,8 +3,8 @@
 
 android_bp_test.py ANDROID_BP GENERATED MODULE=SOURCE;SOURCE...
 SOURCE is relative to the folder of ANDROID_BP. GENERATED is the folder of the tables that CMake makes for the
-kit.
-android_bp_test.py --read ANDROID_BP    prints the parsed file, like read_android_bp.go
+conformance kit.
+android_bp_test.py --read ANDROID_BP    prints the modules as JSON, like read_android_bp.go
 """
 
 import glob
@@ -32,8 +32,8 @@ def without_repetition(pairs):
 
 
 def read_modules(text):
-    """Returns the modules, each with its kind and properties. The text is JSON except for comments, bare
-    names and trailing commas."""
+    """Returns the modules, each with its kind and properties. In the text, a module is its kind and a JSON
+    object; comments, names without quotes and trailing commas are allowed."""
     text = re.sub(r"^\s*//[^\n]*", "", text, flags=re.MULTILINE)
     text = re.sub(r",(\s*\n\s*[}\]])", r"\1", text)
     text = re.sub(r"^(\s+)(\w+):", r'\1"\2":', text, flags=re.MULTILINE)

@@ -57,7 +57,7 @@ std::string describeNumbers(const Bytes& bytes) {
   for (size_t i = 0, times = 1; i < values.size(); i += times) {
     const auto isSame = [&](size_t other) { return std::memcmp(&values[i], &values[other], sizeof(T)) == 0; };
     for (times = 1; i + times < values.size() && isSame(i + times);) ++times;
-    // The sign of NaN differs between machines.
+    // Omits the sign of NaN, which differs between machines.
     const bool isNan = std::isnan(static_cast<double>(values[i]));
     isNan ? out << " nan" : out << ' ' << +values[i];
     if (times > 1) out << '*' << times;

@@ -12,7 +12,10 @@ import java.util.List;
 import java.util.Map;
 import java.util.Random;
 
-/** Changes a JSON tree of Maps, Lists and, for all other values, JSON texts. May return invalid JSON. */
+/**
+ * Makes random changes to JSON trees. A tree consists of Maps, Lists and, for each other value, its JSON text
+ * as a String. A changed tree may be invalid JSON.
+ */
 final class JsonMutator {
     private static final JsonFactory FACTORY = new JsonFactory().enable(JsonParser.Feature.ALLOW_COMMENTS);
     private static final int LONG_TEXT = 5000;
@@ -34,11 +37,11 @@ final class JsonMutator {
     private final Random mChance;
     private final List<String> mValues;
 
-    /** Adds these values, each as JSON, to the pool. */
+    /** Adds values to the pool. Each value is a JSON text. */
     JsonMutator(Random chance, List<String> values) {
         mChance = chance;
         mValues = new ArrayList<>(VALUES);
-        // Makes the added values a fifth of the pool.
+        // Repeats or drops added values, so that they are a fifth of the pool.
         for (int i = 0; i < VALUES.size() / 4; ++i) {
             mValues.add(values.get(i % values.size()));
         }
@@ -170,7 +173,7 @@ final class JsonMutator {
         }
     }
 
-    // Alters half of the strings, numbers and literals. Replaces all other values with values of the pool.
+    // Alters half of the strings, numbers and literals. For all other values, returns a value of the pool.
     private Object other(Object value) {
         if (value instanceof String text && mChance.nextBoolean()) {
             return text.startsWith("\"") ? otherText(text) : otherNumber(text);

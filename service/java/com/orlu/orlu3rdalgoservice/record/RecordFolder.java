@@ -22,7 +22,7 @@ final class RecordFolder {
     static final String EVENTS = "events.jsonl";
     static final String TOO_LARGE = "no: the size limit of the recording is reached";
 
-    /** Nesting levels that are broken into lines, down to the tags. */
+    /** Outer nesting levels of each file that are broken into lines, so that each tag has its own line. */
     private static final int REQUEST_LEVELS = 4;
     private static final int OUTCOME_LEVELS = 3;
 
@@ -72,7 +72,8 @@ final class RecordFolder {
         }
     }
 
-    // A partial file is useless, and outcome.json with the reason for the failure may need the disk space.
+    // Removes a partial file, which is useless: outcome.json, with the reason for the failure, may need the
+    // disk space.
     private static void removePartial(File file) {
         if (file.isFile() && !file.delete()) {
             RequestRecorder.warn("can't remove " + file);
@@ -93,8 +94,8 @@ final class RecordFolder {
     }
 
     /**
-     * Writes a file and adds its name and checksum to `json`. If the bytes exceed the size limit, adds the
-     * reason instead.
+     * Writes a file and adds its name and checksum to `json`. If the file would exceed the recording's size
+     * limit, writes nothing and adds TOO_LARGE to `json`.
      */
     void writeBytes(String name, ByteBuffer bytes, Map<String, Object> json) throws IOException {
         if (bytes.remaining() > mBytesLeft) {
@@ -112,9 +113,9 @@ final class RecordFolder {
     }
 
     /**
-     * Moves a file with this checksum into the folder. Deletes it instead if writeBytes() has written a file
-     * of the same checksum and size, or if it exceeds the size limit. Returns false if only the limit
-     * is the reason.
+     * Moves a file, whose checksum is `check`, into the folder and returns true. If writeBytes() has written
+     * a file of the same checksum and size, deletes the file instead and returns true. Otherwise, if the file
+     * exceeds the rest of the size limit, deletes it and returns false.
      */
     boolean takeFile(File file, String check) throws IOException {
         long size = file.length();
@@ -130,7 +131,7 @@ final class RecordFolder {
         return isHere || fits;
     }
 
-    // Renaming fails across file systems; copy instead.
+    // Copies the file if renaming fails, as it does across file systems. The caller deletes the original.
     private static void move(File file, long size, File to) throws IOException {
         if (file.renameTo(to)) {
             return;

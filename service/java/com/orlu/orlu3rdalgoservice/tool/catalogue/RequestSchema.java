@@ -62,7 +62,8 @@ public final class RequestSchema {
         return Map.of("anyOf", List.of(Map.of("enum", AlgorithmNames.all()), Map.of("type", "string")));
     }
 
-    // Wraps a reference in "allOf": JSON schema ignores a description beside a reference.
+    // Returns the type with the tag's description. Wraps a reference in "allOf", because JSON schema ignores
+    // a description beside a reference.
     private static Map<String, Object> described(String tag, Map<String, Object> type) {
         Map<String, Object> property = new LinkedHashMap<>();
         property.put("description", description(tag));

@@ -63,7 +63,7 @@ final class JobsSession {
         return mStatus;
     }
 
-    // A mistake in one file prevents all runs. The child processes check the images.
+    // Checks the request files: a mistake in any file prevents all runs. The child processes check images.
     private boolean areRight() {
         int wrong = 0;
         for (Path request : mRequests) {

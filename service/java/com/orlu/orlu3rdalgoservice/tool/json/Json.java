@@ -17,9 +17,9 @@ import java.util.TreeSet;
  * A value of a JSON text. The tree is immutable, and each value knows its file, line, column and path.
  *
  * An accessor without a fallback throws a MistakeException ("file:3:7: inputs[0].format: expected text,
- * found 5") if the value has another type. An accessor with a fallback returns the fallback if the member is
- * absent or has another type, and notes a wrong type in mistakes(). Deviations are documented. Accessors
- * throw no other exceptions.
+ * found 5") if the value has the wrong type. An accessor with a fallback returns the fallback if the member
+ * is absent or has the wrong type, and notes a wrong type in mistakes(). The comment of an accessor describes
+ * any deviation from these rules. Accessors throw no other exceptions.
  */
 public final class Json implements JsonWriter.Source {
     private static final int LONGEST_QUOTE = 60;
@@ -28,7 +28,7 @@ public final class Json implements JsonWriter.Source {
 
     private final Mistakes mMistakes;
     private final Json mParent;
-    /** The name in an object; "" for the root, null in a list. */
+    /** The name of an object's member; null for an element of a list, "" for the root. */
     private final String mName;
     private final int mIndex;
     private final Spot mNameSpot;
@@ -36,7 +36,7 @@ public final class Json implements JsonWriter.Source {
     /** A Map of String to Json, a List of Json, a String, BigDecimal or Boolean, or null. */
     private final Object mContent;
 
-    /** A line, and a column in UTF-16 units, both from 1; 0 if there is none. */
+    /** A position in a text: its line, and its column in UTF-16 units, both from 1; 0 if unknown. */
     record Spot(int line, int column) {
         static final Spot NOWHERE = new Spot(0, 0);
     }
@@ -59,7 +59,7 @@ public final class Json implements JsonWriter.Source {
         return root;
     }
 
-    /** Reads a file and notes its mistakes. Returns null if it can't be read, and after a syntax error. */
+    /** Reads a file and notes its mistakes. Returns null if the file can't be read or parsed. */
     public static Json read(Path file, Mistakes mistakes) {
         return JsonReader.read(file, mistakes);
     }
@@ -300,7 +300,7 @@ public final class Json implements JsonWriter.Source {
         return isList() ? (List<Json>) mContent : List.of();
     }
 
-    /** The texts of a list. An element of another type is noted as a mistake and left empty. */
+    /** The texts of a list. Notes an element of another type as a mistake and returns "" in its place. */
     public List<String> strings() throws MistakeException {
         List<String> strings = new ArrayList<>();
         for (Json element : list()) {
@@ -325,7 +325,7 @@ public final class Json implements JsonWriter.Source {
         return isObject() ? (Map<String, Json>) mContent : Map.of();
     }
 
-    /** Returns this object, and notes members with names other than these as mistakes. */
+    /** Notes a mistake for each member of this object whose name is not in `names`. Returns this object. */
     public Json allowing(String... names) throws MistakeException {
         List<String> allowed = List.of(names);
         members().forEach((name, member) -> {
@@ -391,7 +391,7 @@ public final class Json implements JsonWriter.Source {
         return optional(name, () -> get(name).number(least, most), fallback);
     }
 
-    /** A member that is an object with only these names; an object without members if it is absent. */
+    /** A member that is an object; the fallback is an object without members. See allowing() for `names`. */
     public Json object(String name, String... names) {
         return optional(name, () -> get(name).allowing(names), NONE);
     }

@@ -24,7 +24,7 @@ public final class TextTable {
         mBelow.add(below);
     }
 
-    /** Prints the table. Columns of numbers, also with empty cells or "equal", are aligned to the right. */
+    /** Prints the table. Right-aligns each column in which every cell is a number, empty or "equal". */
     public void print(TextLayout to) {
         to.plain(line(mHeadings));
         for (int row = 0; row < mRows.size(); ++row) {

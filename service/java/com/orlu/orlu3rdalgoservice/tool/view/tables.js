@@ -1,8 +1,8 @@
 // Tables and their filters.
 
-// Makes a table. A row is {cells: [...], text, class}; filters search `text`. A column whose heading begins
-// with "-" is hidden in a narrow window. Returns the element, and show(isWanted), which shows only the wanted
-// rows and returns their number.
+// Makes a table. A row is {cells: [...], text, class}; filters search `text`, by default the cells. A column
+// whose heading begins with "-" is hidden in a narrow window. Returns the element, and a function
+// show(isWanted), which shows only the wanted rows and returns their number.
 function table(heads, rows) {
   const classes = heads.map((head, i) =>
     [i === 0 ? "key" : "", head.startsWith("-") ? "narrow-hide" : ""].join(" "),
@@ -61,7 +61,7 @@ function filtered(label, heads, rows) {
   };
 }
 
-// Puts a colon between source and value: "capture result 1" would look like a numbered capture result.
+// Puts a colon between source and value: without it, "capture result 1" looks like a numbered capture result.
 function foundText(text) {
   return text.replace(/^(capture result|composition) +(?=\S)/, "$1: ");
 }

@@ -61,7 +61,7 @@ class TimelineView {
     window.addEventListener("resize", () => this.draw());
   }
 
-  // Returns a line for each call that has not returned when the events end.
+  // Returns a line for each call whose return was not recorded.
   openSlices() {
     return this.slices
       .filter(isOpen)
