@@ -1,8 +1,8 @@
-# The target headers_alone checks that each of these headers compiles alone: it compiles a source that
-# includes the header twice. scripts/lint.sh builds this target.
+# The target headers_alone checks that each header of the folders below compiles alone: for each header, it
+# compiles a source that includes only this header, twice. scripts/lint.sh builds this target.
 file(GLOB_RECURSE headers CONFIGURE_DEPENDS RELATIVE ${PROJECT_SOURCE_DIR}
   bench/*.h conformance/*.h fuzz/*.h host/*.h jni/*.h tests/*.h)
-# Headers that only clang compiles: those of the fuzz targets and of tests/platform.
+# Skips headers that only clang can compile: two headers of the fuzz targets, and those of tests/platform.
 list(FILTER headers EXCLUDE REGEX "^(fuzz/support/(fake_jni|target)[.]h|tests/platform/.*)$")
 
 set(sources "")

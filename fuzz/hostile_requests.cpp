@@ -1,6 +1,6 @@
 // Sends hostile requests through the library in a Java VM: --seed N --count M. Request i depends only on seed
-// S = N + i, so "--seed S --count 1" repeats it. Each must leave nothing behind: no exception, parameter
-// block, map entry, descriptor or global reference, and no complaint of the VM about a JNI call.
+// S = N + i, so "--seed S --count 1" repeats it. A request must leave no exception, block, client, map
+// entry, descriptor or global reference behind, and must cause no warning of the VM about a JNI call.
 
 #include <unistd.h>
 
@@ -39,7 +39,7 @@ namespace {
 using test::env;
 
 constexpr unsigned kSecondsForOne = 60;
-// One request in this many gets no callback. If synchronous, it waits ten seconds, so it must be rare.
+// One request in this many gets no callback. A synchronous one waits ten seconds, so these must be rare.
 constexpr uint64_t kTimeoutEvery = 2'000;
 
 volatile uint64_t gSeed = 0;
@@ -51,7 +51,7 @@ void printSeed() {
   if (write(STDERR_FILENO, line, static_cast<size_t>(length)) < 0) std::_Exit(1);
 }
 
-// Handles SIGABRT, and SIGALRM for a request that takes too long.
+// Handles SIGABRT, and SIGALRM, which arrives when a request takes too long.
 void onSignal(int signal) {
   printSeed();
   std::signal(signal, SIG_DFL);
@@ -143,7 +143,7 @@ private:
     }
   }
 
-  // Calls back with random bytes, on attached and unattached threads.
+  // Sends one callback with random bytes, often with a valid name, on an attached or an unattached thread.
   void callBack() {
     std::vector<uint8_t> bytes(static_cast<size_t>(mRandom() % 90));
     for (uint8_t& byte : bytes) byte = static_cast<uint8_t>(mRandom());

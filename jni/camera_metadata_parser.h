@@ -35,7 +35,8 @@ class CameraMetadataParser {
   class FrameObjects {
   public:
     void reset(const std::vector<jobject>& objects);
-    // `object` must not be null. If frames are read in order, objects that have passed are not checked again.
+    // Returns whether `object`, which must not be null, is of class `clazz`. If frames are read in order, an
+    // object found to be of this class is not checked again.
     bool isInstance(JNIEnv* env, jobject object, jclass clazz) {
       return object == mLastPassed || check(env, object, clazz);
     }
@@ -52,9 +53,9 @@ class CameraMetadataParser {
   };
 
 public:
-  // While a Batch exists, getters and putters don't free their local references one by one: the Batch frees
-  // many at a time, in a local frame. It also frees any other local reference that is created meanwhile, so
-  // don't call lookups. Only one Batch may exist at a time.
+  // While a Batch exists, getters and putters don't free their local references one by one: the Batch
+  // collects them in a local frame and frees the whole frame. This also frees any other local reference
+  // created meanwhile, so don't call lookups, which return references. Only one Batch may exist at a time.
   class Batch {
   public:
     explicit Batch(CameraMetadataParser& parser) : mParser(parser) { parser.mBatch = this; }
@@ -65,12 +66,12 @@ public:
   private:
     friend class CameraMetadataParser;
 
-    // Prepares for one more operation. Returns false if the VM has no memory for a frame.
+    // Prepares for one more operation. Returns false if the VM has no memory for a local frame.
     bool makeRoom();
 
     CameraMetadataParser& mParser;
     std::optional<ScopedLocalFrame> mFrame;
-    int mOperations = 0;  // operations whose references are in the frame
+    int mOperations = 0;  // operations whose references are in mFrame
   };
 
   // While a BatchPause exists, the batch frees nothing. Create one around an operation that calls a visitor:
@@ -113,17 +114,18 @@ public:
   explicit CameraMetadataParser(JNIEnv* env) { initFromEnv(env, false); }
 
   // Resolves the classes and members of camera_metadata_parser_members.inc for the calling thread, and logs
-  // missing ones; some end the resolution (Oddity 7). `withoutComposition` skips the composition class, because
-  // callback threads may not be able to find it. Returns 0 if everything was found, else -1; operations that
-  // don't need a missing member still work.
+  // missing ones. Some missing ones end the resolution (Oddity 7). `withoutComposition` skips the composition
+  // class, because callback threads may not be able to find it. Returns 0 if everything was found, else -1;
+  // operations that don't need a missing member still work.
   int initFromEnv(JNIEnv* env, bool withoutComposition);
 
   // Declares the objects of a request's frames, so that the class of each object is checked once instead of
   // in every lookup. Borrows both lists and their objects until the next initialisation.
   void checkFramesOnce(const std::vector<jobject>& captureResults, const std::vector<jobject>& compositions);
 
-  // Lookups return a new local reference; null if the value is missing or unreadable, or the object is null
-  // or of the wrong class. In every operation, `key` must consist of complete UTF-8 characters.
+  // Lookups return a new local reference; null if the value is missing or unreadable, or if the object to
+  // read from is null or of the wrong class. In every operation, `key` must consist of complete UTF-8
+  // characters.
   jobject getMetadataObjectFromCaptureResult(jobject captureResult, const char* key, jclass valueClass);
   jobject getMetadataObjectFromOrluAlgorithmParameter(jobject parameter, const char* key, jclass valueClass);
   // Reads from `parameter` first; a value found there wins, whatever its type.
@@ -163,7 +165,7 @@ public:
                            jobject parameter);
   int getGpsLocation(GpsLocation& location, const char* key, jobject captureResult, jobject parameter);
 
-  // Getters from a composition, `parameter`, alone.
+  // Getters that read only the composition `parameter`.
   int getIntOrlu(int32_t& value, const char* key, jobject parameter);
   int getLongOrlu(int64_t& value, const char* key, jobject parameter);
   int getFloatOrlu(float& value, const char* key, jobject parameter);
@@ -171,18 +173,19 @@ public:
   int getFaceInfoOrlu(_tagOrluFaceInfo& faces, int capacity, const char* key, jobject parameter);
   int getRectInfoOrlu(__tagOrluRect& rect, const char* key, jobject parameter);
   int getMeteringRectangleOrlu(__tagOrluRect& rect, const char* key, jobject parameter);
-  // Boxed arrays only.
+  // These two read only boxed arrays, such as Integer[].
   int getIntArrayOrlu(int32_t* values, int capacity, const char* key, jobject parameter);
   int getFloatArrayOrlu(float* values, int capacity, const char* key, jobject parameter);
 
-  // Getters from camera characteristics. Boxed arrays only.
+  // Getters from camera characteristics. Arrays must be boxed, such as Integer[].
   int getCharacteristicsInt(int32_t& value, const char* key, jobject characteristics);
   int getCharacteristicsIntArray(int32_t* values, int capacity, const char* key, jobject characteristics);
   int getCharacteristicsRational(Rational& value, const char* key, jobject characteristics);
   int getCharacteristicsRectInfo(__tagOrluRect& rect, const char* key, jobject characteristics);
   int getCharacteristicsRectInfo_ex(SCR_Type& crop, const char* key, jobject characteristics);
 
-  // Returns a whole capture result as the bytes of its parcel; empty, with a logged line, if a step fails.
+  // Returns a whole capture result as the bytes of its parcel; empty on failure. Logs a line for each object
+  // that it needs and can't get.
   std::vector<uint8_t> getMetadata(jobject captureResult);
 
   // Putters into a composition: store a boxed number or a new primitive array under the key. They return 0,
@@ -295,7 +298,7 @@ private:
   JNIEnv* mEnv = nullptr;
   FrameObjects mCaptureResults;
   FrameObjects mCompositions;
-  RepeatedTag* mRepeatedTag = nullptr;  // the newest one
+  RepeatedTag* mRepeatedTag = nullptr;  // the newest; null if none exists
   Batch* mBatch = nullptr;              // null if none exists or it is paused
 
 #define TABLE(name)

@@ -1,7 +1,7 @@
 // Implements the native methods. A handle is the address of an AlgoNativeClient. All functions except
-// notify() reject handle 0: they log that and return -1 or null. Every other handle is trusted; functions
-// that return int return 0 for it unless noted, and lower layers log their failures. Calls for one client
-// must not overlap, except that Java may call any function, including destroy(), inside a callback.
+// notify() reject handle 0: they log that and return -1 or null. Any other handle is trusted: with it,
+// functions that return int return 0 unless noted, even if lower layers fail; these log their failures. Java
+// may call any function, including destroy(), inside a callback; other calls for one client must not overlap.
 #pragma once
 
 #include <jni.h>
@@ -29,8 +29,8 @@ public:
   // Uninitialises the client in the mode that "imageFormat" selects.
   static int release(JNIEnv* env, int64_t inst, jobject param);
   static int flush(JNIEnv* env, int64_t inst, jobject a, jobject b);
-  // Aborts the requests whose "orlu.control.frameFlag" equals "AbortVal". Aborts nothing unless "AbortKey"
-  // begins with this tag's name.
+  // Aborts the requests whose tag "orlu.control.frameFlag" equals "AbortVal", but only if "AbortKey" begins
+  // with this tag's name.
   static int abortRequest(JNIEnv* env, int64_t inst, jobject a, jobject param);
   // Returns the answer to "cmd" as a new local reference: "" if the algorithm library stores no answer, null
   // if `param` is null, the library lacks getData or the VM has no memory.
@@ -44,9 +44,10 @@ public:
   // the handle, `inputs`, `outputs` or `compositions` is null, else 0, even after a timeout.
   static int processImage(JNIEnv* env, int64_t inst, jobject request, jobject inputs, jobject outputs,
                           jobject compositions);
-  // Writes the results of the full-async request that "nativeRequestAddr" identifies, and finishes it. For
-  // any other request, or one that is still being submitted and not yet announced to Java, writes only
-  // initial values. Returns the same values as processImage().
+  // Writes the results of the full-async request whose id is in "nativeRequestAddr", and finishes this
+  // request. Writes only initial values if no full-async request has this id, if another call is finishing
+  // the request, or if the request is still being submitted and not yet announced to Java. Returns the same
+  // values as processImage().
   static int processImageUpdateResult(JNIEnv* env, int64_t inst, jobject request, jobject inputs,
                                       jobject outputs, jobject compositions);
 

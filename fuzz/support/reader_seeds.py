@@ -1,5 +1,8 @@
 #!/usr/bin/env python3
-"""Writes files to mutate, in a folder per form and example: reader_seeds.py ROOT SEEDS"""
+"""Writes the examples that fuzz/readers mutates: reader_seeds.py ROOT SEEDS
+
+Each example has its own folder, SEEDS/FORM/NAME. A form is a kind of input, such as "recording" or "dump".
+"""
 
 import json
 import shutil
@@ -31,7 +34,7 @@ def example(form, name, **files):
     return folder
 
 
-# Recordings of small requests, and the JPEG of one of them.
+# Recordings of small requests, and a JPEG that one of the requests wrote.
 work = seeds / "work"
 for name in RECORDED:
     folder = example("work", name, request__json=small(name))

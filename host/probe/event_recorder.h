@@ -16,12 +16,13 @@ namespace orlu::probe {
 
 class EventRecorder final : public TableObserver {
 public:
-  // Reads the settings, and writes the header if events go to a different file from now on.
+  // Reads the settings. If they select a new file for the events, writes the header to this file.
   void open();
 
   // Finds and opens the real library for a caller of the entry, and records this as one operation.
   RealLibrary load(const void* caller);
-  // Records which callables a table offers. `entry` is the number of the call that filled in the table.
+  // Records which callables a table offers and which are missing. `entry` is the number of the call
+  // that filled in the table.
   void table(uint64_t entry, const AlgoInterfaceCallbacks& table);
 
   using GetValue = decltype(AlgoMetadataOps::getValue);

@@ -43,7 +43,8 @@ void addImages(std::vector<GoldenImage>& images, std::istream& in) {
   images.insert(images.end(), static_cast<size_t>(times), image);
 }
 
-// "c2 orlu.control.reqID int 5" sets a tag in the composition of frame 2, "* ..." in every capture result.
+// "c2 orlu.control.reqID int 5" sets a tag in the composition of frame 2, "2 ..." in the capture result of
+// frame 2, "* ..." in every capture result.
 void addTag(std::vector<GoldenFrame>& frames, const GoldenLine& line) {
   std::istringstream in(line.text);
   std::string where;
@@ -79,8 +80,8 @@ void readRequest(GoldenCase& golden, const std::string& word, std::istream& in) 
   }
 }
 
-// Parses "section key value", or "~ section key value", which replaces an earlier write. "key#2" is the
-// second write of a key.
+// Parses "section key value", or "~ section key value", which replaces an earlier write. "key#2" names
+// the second write of a key.
 void readWrite(GoldenCase& golden, const std::string& first, std::istream& in, const GoldenLine& line) {
   const bool isReplacing = first == "~";
   std::string section = first;
@@ -120,7 +121,8 @@ void readText(GoldenCase& golden, const std::string& name, std::string section) 
   });
 }
 
-// "= Name of text" starts a variation of the text; "> ..." is an expectation, other lines are changes.
+// "= NAME of TEXT" starts a variation of the golden text TEXT. In a variation, "> ..." is an expectation, and
+// any other line is a change of the text.
 void readVariationLine(std::vector<GoldenCase>& variations, const GoldenLine& line) {
   std::istringstream in(line.text.substr(1));
   if (line.text[0] == '=') {
@@ -139,7 +141,7 @@ void readVariationLine(std::vector<GoldenCase>& variations, const GoldenLine& li
   }
 }
 
-// Returns all texts in a folder, sorted.
+// Returns the sorted paths of all texts in `folder`, which is relative to the folder of the golden texts.
 std::vector<std::filesystem::path> textsIn(const std::string& folder) {
   std::vector<std::filesystem::path> texts;
   for (const auto& entry : std::filesystem::directory_iterator(goldenFolder() + folder)) {

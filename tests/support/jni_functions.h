@@ -1,4 +1,4 @@
-// The JNI functions that requests may call, as lists of X(name).
+// Lists of the JNI functions that the library may call for a request, as X(name).
 #pragma once
 
 // clang-format off

@@ -1,5 +1,5 @@
 // A request whose algorithms have finished: images, compositions, and results in the parameter set.
-// Translating the results records the values put into each composition, and the log.
+// translate() translates the results, and records the log and the values that it puts into compositions.
 #pragma once
 
 #include <jni.h>
@@ -74,13 +74,13 @@ public:
   }
 
   const std::string& puts() const { return mPuts; }
-  // Returns priority and message of each of the result updater's lines, such as "D updateMarkMode 4". Lines
-  // of the short tag begin with "D*" or "E*".
+  // Returns the priority and message of each line that the result updater logged, such as
+  // "D updateMarkMode 4". Lines with the short log tag begin with "D*" or "E*".
   const std::string& log() const { return mLog; }
   // Returns all lines, formatted by LogCapture::text().
   const std::string& wholeLog() const { return mWholeLog; }
-  // Returns an output's format, size and plane sizes as seen by Java, then by the algorithms; "" if
-  // unchanged.
+  // Returns the format, size and plane sizes of an output, first as seen by Java, then by the algorithms; ""
+  // if translate() did not change them.
   std::string changeOfOutput(size_t index) const {
     const std::string now = describeOutput(index);
     return now == mOutputsBefore[index] ? "" : now;
@@ -93,7 +93,7 @@ private:
     mRequest = std::make_unique<VRequest>(env(), newRequest(7, requestType), javaList(inputImages),
                                           javaList(hasOutputs ? mOutputs : std::vector<jobject>()),
                                           javaList(compositions));
-    // Changes the width in Java, so that tests detect whether it is set again.
+    // Changes the width in Java, so that tests detect whether translate() sets it again.
     jclass imageClass = env()->GetObjectClass(mOutputs[0]);
     env()->SetIntField(mOutputs[0], env()->GetFieldID(imageClass, "mWidth", "I"), 1);
     for (size_t i = 0; i < mOutputs.size(); ++i) mOutputsBefore.push_back(describeOutput(i));

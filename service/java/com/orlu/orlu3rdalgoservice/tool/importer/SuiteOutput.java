@@ -11,7 +11,7 @@ import java.util.TreeMap;
 
 /** A picture listed in an image test's JSON; `name` is the image test's name for the format. */
 record SuiteOutput(String name, PixelFormat format, ImageFileKind kind, int width, int height) {
-    /** The formats by the image test's names for them. YUV pictures have three contiguous planes. */
+    /** The pixel format for each format name of image tests. YUV pictures have three contiguous planes. */
     static final Map<String, PixelFormat> FORMATS = new TreeMap<>(Map.of("raw", PixelFormat.RAW16,
             "raw10", PixelFormat.MIPI_RAW10, "yuv", PixelFormat.YU12, "jpeg", PixelFormat.JPEG,
             "jpg", PixelFormat.JPEG, "dng", PixelFormat.RAW16));

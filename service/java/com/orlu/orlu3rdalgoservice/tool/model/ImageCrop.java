@@ -18,8 +18,8 @@ final class ImageCrop {
     private final List<Plane> mPlanes = new ArrayList<>();
     private ImageLayout mCropped;
 
-    // The rows of a plane in memory. A planar format's description combines U and V into one plane.
-    // `at` and `newAt` are offsets in the memory.
+    // The rows of one plane in memory. U and V of a planar format are two planes here, but one plane in the
+    // image's description. `at` is an offset in the original memory, `newAt` in the cropped memory.
     private record Plane(int at, int newAt, int stride, int newStride, int newRows, int firstByte,
             int firstRow, int bytes) {
     }
@@ -68,7 +68,7 @@ final class ImageCrop {
                 end += stride * (mImage.height() / (1 + index));
                 newEnd += newStride * (mArea.height() / (1 + index));
             }
-            // A plane may lack the padding of its last row, or have padding rows.
+            // A plane may lack the padding of its last row, or end with rows of padding.
             boolean hasSize = hasSize(sizes, index);
             if (hasSize) {
                 newEnd += sizes[index] - (end - start);

@@ -15,7 +15,7 @@ import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Writes a request's output images as files, and the base frame for comparison. */
+/** Writes files with a request's output images, and with its base frame for comparison. */
 public final class OutputImages {
     private final Path mFolder;
     private final String mName;
@@ -26,7 +26,7 @@ public final class OutputImages {
         mName = name;
     }
 
-    /** Writes the images and returns a line on each. `base` is the base frame's index. */
+    /** Writes the images and returns one line about each. `base` is the base frame's index. */
     public List<String> write(int base, List<SynthesisedFrame> frames, List<ImageBuffer> inputs,
             List<OutputReader> outputs) throws IOException {
         Files.createDirectories(mFolder);
@@ -67,7 +67,8 @@ public final class OutputImages {
         return file.toString();
     }
 
-    // Removes a link of this name: in an untrusted folder, it may point to one of the user's files.
+    // Returns the path of a file to write. Removes a symbolic link at this path: in an untrusted folder, the
+    // link may point to one of the user's files.
     private Path file(String name) throws IOException {
         Path file = mFolder.resolve(name);
         if (Files.isSymbolicLink(file)) {
@@ -76,9 +77,9 @@ public final class OutputImages {
         return file;
     }
 
-    // Sixteen bits per sample, most significant byte first, as PGM requires.
+    // Returns a PGM file with sixteen bits per sample, most significant byte first, as PGM requires.
     private static byte[] pgm(Mosaic mosaic) {
-        // A PGM file with a white level below 256 has one byte per sample.
+        // With a white level below 256, the format requires one byte per sample.
         int white = Math.max(256, mosaic.white());
         String header = "P5\n" + mosaic.width() + " " + mosaic.height() + "\n" + white + "\n";
         ByteArrayOutputStream bytes = new ByteArrayOutputStream();

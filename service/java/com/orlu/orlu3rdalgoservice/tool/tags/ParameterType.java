@@ -14,7 +14,7 @@ public enum ParameterType {
     BITS("bits"),
     BOOL("bool"),
     TEXT("text"),
-    /** A time in milliseconds: an int, or a float from the low-light raw step. */
+    /** A time in milliseconds: an int, or a float if the low-light raw step writes it. */
     MILLISECONDS("ms"),
     /** An int count, followed by unused bytes. */
     COUNT("count"),
