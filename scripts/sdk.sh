@@ -11,7 +11,7 @@ Write a kit for makers of algorithm libraries to the folder DIR: the header, the
 checks for x86-64 and 32-bit ARM, a minimal library, and the docs. DIR must be
 empty or missing."
 
-# refuse TEXT: reports an invalid command line like other subcommands, and exits with 2.
+# refuse TEXT: reports an invalid command line in the format of the other subcommands, and exits with 2.
 refuse() {
   echo "run: error: $1" >&2
   exit 2
@@ -30,7 +30,7 @@ if ! mkdir -p "$1" 2>/dev/null || [ ! -w "$1" ]; then refuse "$1: can't be creat
 
 install_missing "to build the kit" "${run_packages[@]}" "${test_packages[@]}" "${arm_clang_packages[@]}"
 prepare_arm
-# DESTDIR would move the folder elsewhere.
+# cmake --install would prepend DESTDIR to the folder's path.
 unset DESTDIR
 for preset in dev arm arm-clang; do
   build_preset "$preset" --tests conform_kit

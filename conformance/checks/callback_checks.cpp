@@ -1,4 +1,4 @@
-// Checks of calls that Java makes inside a callback, or while a callback is running.
+// Checks of calls that Java makes on a callback's thread, or on another thread while a callback is running.
 #include <atomic>
 #include <future>
 
@@ -17,7 +17,8 @@ std::chrono::milliseconds holdTime() {
 // Shorter than holdTime(), because a flush may have its own timeout.
 constexpr std::chrono::milliseconds kFlushHold{500};
 
-// Blocks the first callback until open() or a timeout. Callbacks co-own it, because they may be late.
+// Blocks the first callback until open() or a timeout. Callbacks co-own the gate, because they may arrive
+// late.
 class Gate {
 public:
   explicit Gate(std::chrono::milliseconds hold) : mHold(hold) {}
@@ -131,12 +132,13 @@ void actInside(const Action& action) {
   scene.inbox.waitFor(1);
   const bool isNextDone = action.run != submitNext || scene.inbox.waitFor(2);
   HOLDS(isNextDone) << kNoCallback << "a request submitted inside the previous callback";
-  // Ends the client before the scene destroys its other members: the thread may still be returning from the
-  // callback.
+  // Ends the client before the scene destroys its other members: the library's thread may still be returning
+  // from the callback.
   scene.client.end();
 }
 
-// Runs the work while a callback is blocked. Returns false if the work did not return within `hold`.
+// Runs the work while a callback is blocked. Returns false if the work did not return within `hold`. If no
+// callback arrives, fails the check and returns true without running the work.
 bool returnsWhileHeld(Scene& scene, std::chrono::milliseconds hold, const std::function<void()>& work) {
   const auto gate = std::make_shared<Gate>(hold);
   scene.inbox.onCallback([gate](const Message&) { gate->wait(); });
@@ -175,7 +177,8 @@ void useBlock(Scene&) {
   block.get(kControl, "conform_key", seen, sizeof seen);
 }
 
-// Does not destroy the new client: it may share its worker with the client of the blocked callback.
+// Leaves the new client alive: it may share a worker with the client whose callback is blocked, and its
+// destruction could wait for that worker.
 void createClient(Scene&) {
   AlgoCreateClientRecord record;
   record.interfaceVersion = kAlgoTableVersion;

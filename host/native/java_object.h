@@ -18,7 +18,8 @@ inline bool isInstanceOf(JNIEnv* env, jobject object, const char* className) {
   return answer;
 }
 
-// Returns null, and leaves no exception pending, if the object's class has no such field.
+// Returns the id of a field of the object. If its class has no such field, returns null and leaves no
+// exception pending.
 inline jfieldID fieldOf(JNIEnv* env, jobject object, const char* name, const char* signature) {
   jclass clazz = env->GetObjectClass(object);
   jfieldID field = env->GetFieldID(clazz, name, signature);

@@ -20,7 +20,8 @@ namespace orlu::probe {
 namespace {
 
 constexpr uint64_t kUsualBytes = uint64_t{1} << 30;
-// Limit on remembered unfinished requests: a library may never call back for some requests.
+// At this number of requests without a callback, the oldest is forgotten: a library may never call back for
+// some requests.
 constexpr size_t kMostRequests = 16;
 
 std::string crcText(uint32_t crc) {

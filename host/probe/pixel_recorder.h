@@ -14,11 +14,12 @@ namespace orlu::probe {
 
 class PixelRecorder {
 public:
-  // Borrows `events`, which receive the names of the files.
+  // Borrows `events`. Each image becomes an event with the name of the image's file, or why there is none.
   explicit PixelRecorder(const EventFile& events) : mEvents(events) {}
 
-  // Reads ORLU_PIXELS, a folder that is created if missing, and ORLU_PIXELS_BYTES, the limit for all files
-  // that this process wrote and that still exist. Without a folder nothing is stored.
+  // Reads two settings. ORLU_PIXELS names the folder, which is created if missing; without a folder, nothing
+  // is stored. ORLU_PIXELS_BYTES limits the total size of the files that this process wrote and that still
+  // exist; the default is 1 GiB.
   void open();
 
   void before(const WatchedCall& call);

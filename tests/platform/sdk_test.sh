@@ -26,13 +26,13 @@ cd "$work/taken hüme"
 if grep -rlF "$root" .; then die "the files above contain the path of this tree"; fi
 JAVA_HOME=$(debian_java_home "")
 export JAVA_HOME
-# An algorithm maker does not have these.
+# Makers of algorithm libraries don't have these variables set.
 unset LD_LIBRARY_PATH ORLU_BUILD
 
-# checks COMMAND...: runs the kit, with random parameters for one second only.
+# checks COMMAND...: runs the kit, but limits the check with random parameters to one second.
 checks() { "$@" --hostile 1 >"$work/report" 2>&1; }
 
-# fails TEXT COMMAND...: expects that the command fails and prints this text.
+# fails PATTERN COMMAND...: expects that the command fails and prints a line that matches PATTERN.
 fails() {
   local text=$1
   shift
@@ -66,14 +66,14 @@ arm_library=$work/arm/liborlu.vac.interface.so
 mkdir "$work/arm"
 mapfile -t flags < <(PKG_CONFIG_PATH=$PWD/lib/pkgconfig pkg-config --cflags orlu-algo | xargs -n 1)
 jni=(-isystem "$JAVA_HOME/include" -isystem "$JAVA_HOME/include/linux")
-# Compiles with many warnings, as an algorithm maker may.
+# Makers of algorithm libraries may enable many warnings.
 for compiler in g++ clang++; do
   for standard in 17 20; do
     "$compiler" "${flags[@]}" "${jni[@]}" "-std=c++$standard" -fsyntax-only \
       -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror example/minimal_algo.cpp
   done
 done
-# build_for_arm SOURCE FLAG...
+# build_for_arm SOURCE FLAG...: compiles SOURCE to $arm_library.
 build_for_arm() {
   clang++ --target=arm-linux-gnueabihf --sysroot="$ORLU_ARM_ROOT" --gcc-toolchain=/usr \
     -march=armv7-a+fp -mthumb -stdlib=libc++ -fuse-ld=lld -fPIC -shared \
@@ -81,7 +81,7 @@ build_for_arm() {
 }
 arm_kit() { qemu-arm-static -L "$ORLU_ARM_ROOT" kit/armv7-libcxx/conform "$@"; }
 build_for_arm example/minimal_algo.cpp
-# The emulator is slow, more so on a busy machine.
+# The emulator is slow, above all on a busy machine, so it gets longer timeouts.
 checks arm_kit "$arm_library" --patience 60 --budget 600 || { cat "$work/report"; exit 1; }
 tail -1 "$work/report"
 
@@ -95,6 +95,6 @@ fails '^failed *callbacks' arm_kit --only callbacks --patience 1 "$arm_library"
 change 's/^  int32_t width = 0;/  int64_t width = 0;/' include/algo_interface.h
 fails 'static.assert' cmake --build "$work/host"
 fails 'static.assert' build_for_arm example/minimal_algo.cpp
-# A build for the phone requires the phone's layout.
+# A build for the phone must be a 32-bit build: only this has the phone's layout.
 fails '32-bit' g++ -D__ANDROID__ -fsyntax-only "${jni[@]}" "${flags[@]}" example/minimal_algo.cpp
 echo "the folder works without this tree"

@@ -11,7 +11,7 @@
 namespace orlu::test {
 
 struct GoldenValue {
-  std::string type;  // without its size
+  std::string type;  // without a size: "bytes" for "bytes[8]"
   std::vector<uint8_t> bytes;
 
   template <typename T>
@@ -22,14 +22,15 @@ struct GoldenValue {
   }
 };
 
-// Reads one word, or several words in quotes.
+// Reads one word, or several words in quotes. Returns them without the quotes.
 std::string quotedText(std::istream& in);
 
-// Parses "type words...", with `frame` as the i in "7+2i". Throws std::runtime_error on syntax errors.
+// Parses "type words..."; `frame` is the value of i in "7+2i". Throws std::runtime_error on syntax errors.
 GoldenValue parseGoldenValue(const std::string& text, int frame);
 
-// Formats the bytes in the notation of golden texts as values of `type`, or as integers if that is
-// impossible. Different bytes give different text, except that all NaNs are equal.
+// Formats the bytes as values of `type`, in the notation of golden texts. If that is impossible, formats
+// their size and the nonzero 32-bit integers. Different bytes give different text, except that all NaNs
+// become "nan".
 std::string describeBytes(const std::string& type, const std::vector<uint8_t>& bytes);
 
 }  // namespace orlu::test

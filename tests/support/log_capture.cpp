@@ -9,7 +9,7 @@ namespace {
 
 std::atomic<LogCapture*> gInnermost{nullptr};
 
-// The lines captured so far that have a source position, by priority, tag and text().
+// All captured lines that begin with a source position. The key joins priority, tag and text().
 std::mutex gEverythingMutex;
 std::map<std::string, LogLine> gEverything;
 

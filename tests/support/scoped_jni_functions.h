@@ -1,5 +1,5 @@
-// Replaces an environment's JNI function table with a copy while this object lives. Functions of the copy may
-// be replaced at any time.
+// Replaces an environment's JNI function table with a copy while this object lives. Tests may replace
+// functions in the copy at any time.
 #pragma once
 
 #include <jni.h>

@@ -1,2 +1,2 @@
-/** Makes request files from cameras' text dumps, an image test's JSON, pictures and their EXIF blocks. */
+/** Makes request files from cameras' text dumps, the JSON of an image test, and pictures with their EXIF. */
 package com.orlu.orlu3rdalgoservice.tool.importer;

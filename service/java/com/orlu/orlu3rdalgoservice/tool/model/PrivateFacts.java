@@ -17,11 +17,11 @@ import java.util.regex.Pattern;
 
 /**
  * Finds private facts about a person or a machine in a recording, and makes copies without them. If in
- * doubt, a text counts as private: it is kept only if it is short, contains only common characters, and has
- * a name that does not suggest an identity.
+ * doubt, a text counts as private: it is kept only if it is short and contains only common characters, and if
+ * the name of its tag or field does not suggest an identity.
  */
 public final class PrivateFacts {
-    /** Members of the header that only describe the recording. */
+    /** Members of the header that describe the recording, not the machine. */
     private static final Set<String> PLAIN_HEADER = Set.of("format", "version", "interface");
     private static final Pattern PLACE = pattern("gps|(?<!al)location|latitude|longitude");
     private static final Pattern TIME = pattern("local_?time|wall_?(time|clock)|utc|(?<!up)date|_epoch");
@@ -40,7 +40,7 @@ public final class PrivateFacts {
     private static final Pattern PLAIN_TEXT = Pattern.compile("[A-Za-z0-9_.:,+ -]{0,40}");
     /**
      * A text in binary data: at least six characters, each of one or two bytes. The length is bounded,
-     * because matching uses stack for each character. 41 characters are already too many for a plain text.
+     * because matching uses stack for each character. The bound is the first length that PLAIN_TEXT rejects.
      */
     private static final Pattern RUN = Pattern.compile("(?:[\\x20-\\x7e]\\x00?){6,41}");
 
@@ -99,7 +99,7 @@ public final class PrivateFacts {
         keepsText("the reason why an image was not kept", image.kept());
     }
 
-    /** Returns the members of a recorded request without private facts; its images are unchanged. */
+    /** Returns the members of a recorded request, with private facts removed. Images stay as they are. */
     public Map<String, Object> request(Json root) throws MistakeException {
         Map<String, Object> request = new LinkedHashMap<>(root.members());
         request.remove("about");
@@ -226,13 +226,13 @@ public final class PrivateFacts {
     }
 
     /**
-     * Returns the bytes of an image without private facts; `name` is the image's file. In a JPEG, only
-     * picture, JFIF header and colour profile remain: EXIF and other application blocks, thumbnails,
-     * comments, and bytes after the picture become 0.
+     * Returns the bytes of an image, with private facts removed; `name` is the name of the image's file. In a
+     * JPEG, the picture, JFIF header, colour profile and colour transform remain. The contents of EXIF and
+     * other application blocks, thumbnails, comments, and bytes after the picture become 0.
      */
     public byte[] withoutFacts(ImageLayout image, byte[] bytes, String name) {
         PixelFormat format = PixelFormat.named(image.format());
-        // Raw pixels may look like the start of a JPEG.
+        // Other known formats contain only pixels, which may look like the start of a JPEG.
         byte[] plain = format == null || format == PixelFormat.JPEG ? JpegBlocks.blank(bytes) : bytes;
         if (plain != bytes) {
             found("EXIF block, comment or further data of a JPEG", name);

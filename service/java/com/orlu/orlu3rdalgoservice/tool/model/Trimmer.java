@@ -18,13 +18,13 @@ import java.util.TreeSet;
 import java.util.regex.Pattern;
 
 /**
- * Writes a smaller copy of a run's folder. A copy with fewer frames, with cropped images, or without private
- * facts is another request, so it has no outcome. A copy that only lacks pixels keeps the outcome, except for
- * the pixels.
+ * Writes a smaller copy of a run's folder. If frames are selected, images cropped or private facts removed,
+ * the copy is a different request, so it has neither outcome nor events. If only the pixels are removed, the
+ * copy keeps the events and the rest of the outcome.
  */
 public final class Trimmer {
     private static final String TRIMMED = "no: trimmed";
-    /** Types and names of tags with sizes or positions in an image. */
+    /** Types and names of tags that contain sizes of images or positions in them. */
     private static final List<String> SIZE_TYPES = List.of("rect", "regions", "faces");
     private static final Pattern SIZE_TAGS = Pattern.compile(
             "size|crop|region|rect|bounds|active.?array|faces|landmark", Pattern.CASE_INSENSITIVE);
@@ -41,8 +41,8 @@ public final class Trimmer {
     private Path mFolder;
 
     /**
-     * Keeps these frames (all if `frames` is empty) and this area of each image that can be cropped (all if
-     * `crop` is null). `withoutFacts` removes private facts; if it is null, they are kept.
+     * The copy keeps these frames, or all if `frames` is empty. Images that can be cropped are cropped to
+     * `crop`, or stay whole if it is null. `withoutFacts` removes private facts; if null, they are kept.
      */
     public Trimmer(
             Run run, Set<Integer> frames, boolean keepsPixels, CropArea crop, PrivateFacts withoutFacts) {
@@ -179,7 +179,7 @@ public final class Trimmer {
         return images;
     }
 
-    // Writes the bytes of the copy and returns its description.
+    // Writes a copy of an image to the file `name` if pixels are kept. Returns the copy's description.
     private ImageLayout copied(ImageLayout image, ImageCrop crop, String name)
             throws MistakeException, IOException {
         ImageLayout described = crop == null ? image : crop.image();
@@ -218,7 +218,8 @@ public final class Trimmer {
         }
     }
 
-    // Copies the images as the algorithm library saw them, if they have their own files.
+    // Copies the probe's files of the images that the algorithm library received and returned. Skips missing
+    // files.
     private void copyHanded() throws MistakeException, IOException {
         for (Event event : mRun.events().events("pixels")) {
             Json name = event.fields().get("file");
@@ -233,7 +234,7 @@ public final class Trimmer {
         }
     }
 
-    // Checks every image before anything is written.
+    // Plans the crop of every image, and so finds mistakes before anything is written.
     private void planCrop() throws MistakeException {
         for (ImageLayout image : mRun.inputs()) {
             String name = "input " + mInputCrops.size();

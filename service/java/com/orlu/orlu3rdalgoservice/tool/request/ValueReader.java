@@ -15,8 +15,8 @@ import java.util.Collections;
 import java.util.List;
 
 /**
- * Reads JSON values as the Java types of metadata. A single number may be written as a counter over the
- * frames ({"first": 100, "step": 33}), a list of numbers as one repeated value ({"fill": 1.0, "count": 884}).
+ * Reads JSON values as the Java types of metadata. A single number may be a counter over the frames:
+ * {"first": 100, "step": 33}. A list of numbers may be one repeated value: {"fill": 1.0, "count": 884}.
  */
 final class ValueReader {
     private static final int LARGEST_RUN = 1 << 16;
@@ -68,7 +68,7 @@ final class ValueReader {
         return field.isObject() ? (float) number(field) : realSingle(field);
     }
 
-    // JSON lacks NaN and infinities, so texts represent them.
+    // JSON has no NaN and no infinities, so strings represent them.
     private static boolean isSpecial(Json field) throws MistakeException {
         return field.isString() && NO_JSON_NUMBERS.contains(field.string());
     }

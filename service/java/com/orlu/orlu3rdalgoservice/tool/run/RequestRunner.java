@@ -48,7 +48,7 @@ public final class RequestRunner implements AutoCloseable {
      * @param inputs        the inputs as passed to the library, with their sizes
      * @param outputsBefore the outputs' descriptions before the request
      * @param outputsAfter  the outputs' descriptions after the request
-     * @param put           for each composition, the values that the native side put, by key
+     * @param put           the values that the native side wrote into each composition, by key
      * @param callbacks     the values that each callback passed to Java
      * @param problems      calls into the native library that returned an error
      * @param waitStart     when the request was submitted, by System.nanoTime()
@@ -76,7 +76,10 @@ public final class RequestRunner implements AutoCloseable {
         mInbox = new CallbackInbox(client.clientId());
     }
 
-    /** Creates the call's arguments. `frames` are made from the photo; empty if no input needs them. */
+    /**
+     * Creates the call's arguments. `frames` contains the frames made from the photo; it is empty if no input
+     * needs them.
+     */
     public void make(List<SynthesisedFrame> frames) throws ErrnoException, MistakeException {
         mRequest.properties().forEach(SystemProperties::set);
         mCompositions.addAll(RequestImages.compositions(mRequest));
@@ -113,7 +116,7 @@ public final class RequestRunner implements AutoCloseable {
         }
     }
 
-    // Called right before the request, so that RequestRecorder's reads of all tags don't become events.
+    // Called only after RequestRecorder has read all tags, so that its reads don't become events.
     private void recordLookups() throws IOException {
         EventLog events = mKeepsLookups ? EventLog.ofEnvironment() : null;
         for (int i = 0; i < mCompositions.size(); ++i) {

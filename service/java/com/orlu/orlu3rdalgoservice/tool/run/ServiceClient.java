@@ -34,7 +34,7 @@ public final class ServiceClient {
         return mService;
     }
 
-    /** Null if nothing is recorded. */
+    /** The recorder; null if nothing is recorded. */
     RequestRecorder recorder() {
         return mRecorder;
     }
@@ -47,7 +47,7 @@ public final class ServiceClient {
         return mClientId;
     }
 
-    /** Releases the client, passing the image format of its last request, and destroys it. */
+    /** Releases and destroys the client. Passes the image format of `request`, the client's last request. */
     public void end(RequestFile request, Stopwatch stopwatch) {
         if (mRecorder != null) {
             mRecorder.removeClient(mHandle);

@@ -21,17 +21,18 @@ public final class Stopwatch {
     }
 
     /**
-     * The start of a stage of a run, with the counters of its thread.
+     * The start of a stage of a run, with counters of the thread that runs the stage.
      *
      * @param tid       the kernel's id of the thread
-     * @param time      by System.nanoTime()
+     * @param time      when the stage started, by System.nanoTime()
      * @param faults    page faults of the thread so far; 0 if unknown
      * @param allocated bytes that the thread has allocated on Java's heap so far
      */
     public record Mark(String stage, int tid, long time, long faults, long allocated) {
         /** The stage that the probe's events divide into parts. */
         public static final String PROCESS_IMAGE = "processImage";
-        // Fields of /proc/PID/stat after the command's name, which may contain blanks.
+        // Indices of fields in /proc/PID/stat. The field after the command's name has index 0, because the
+        // name may contain blanks.
         private static final int MINOR_FAULTS = 7;
         private static final int MAJOR_FAULTS = 9;
 
