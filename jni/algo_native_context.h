@@ -2,12 +2,13 @@
 // that it returned. Operations are called only through this class and its table.
 //
 // If the library lacks an operation, the call is skipped. A failure message is logged, except for getSize,
-// setRaw, setValue, getValue and the visits. An operation that throws is logged and counts as failed; a Java
-// exception that it leaves pending is logged and cleared. Metadata blocks are handles of the library; whoever
-// creates a block destroys it. Operations on a null block are skipped.
+// setRaw, setValue, getValue and the visits. Without getSize, process() is skipped too, and logs a message.
+// An operation that throws is logged and counts as failed. If an operation leaves a Java exception pending,
+// the exception is logged and cleared. Metadata blocks are handles of the library; whoever creates a block
+// destroys it. Operations on a null block are skipped.
 //
-// As thread-safe as the algorithm library. Callers keep the context alive until the operation returns. Java
-// may destroy the library's client meanwhile, inside a callback; after that the library receives no more
+// As thread-safe as the algorithm library. Callers keep the context alive until the operation returns. During
+// an operation, Java may destroy the library's client from a callback; the library then receives no more
 // operations on the client.
 #pragma once
 
@@ -33,8 +34,8 @@ public:
   AlgoNativeContext& operator=(const AlgoNativeContext&) = delete;
   virtual ~AlgoNativeContext();
 
-  // Destroys the library's client; later calls have no effect. The library may call back meanwhile. The
-  // destructor also calls this function.
+  // Destroys the library's client. Further calls of destroyClient() have no effect. The library may call back
+  // while it destroys the client. The destructor also calls this function.
   void destroyClient();
 
   void init();
@@ -48,8 +49,9 @@ public:
   void notify();
 
   // Submits a request. The library reports completion by calling the callback whose address is the cookie.
-  // The caller owns `metadata`, which must outlive the request, and the frames' descriptors, which must stay
-  // valid as AlgoFrameInfo requires. `metadataBytes` is one serialised capture result; it is copied.
+  // The caller owns `metadata` and the frames' descriptors. `metadata` must outlive the request. See
+  // AlgoFrameInfo for how long the descriptors must stay valid. `metadataBytes` is one serialised capture
+  // result; it is copied.
   void process(ALGO_REQUEST_TYPE type, const std::vector<std::string>& algoList, uint64_t nativeReq,
                const std::vector<AlgoFrameInfo>& inputs, const std::vector<AlgoFrameInfo>& outputs,
                void* metadata, uint64_t callbackCookie, uint64_t reqId,
@@ -64,20 +66,20 @@ public:
   // Returns a new parameter block, or null.
   void* createMetadata();
   void destroyMetadata(void* block);
-  // The parameter channel: copy `size` bytes into the block, or at most `size` bytes out of it. Return 0, the
-  // library's own status, or -1 if the operation could not be called or threw.
+  // The parameter channel: copy `size` bytes into the block, or at most `size` bytes out of it. Return the
+  // library's status (0: success), or -1 if the block is null, or the operation is missing or throws.
   int setValue(void* block, const char* section, const char* key, void* data, unsigned size);
   int getValue(void* block, const char* section, const char* key, void* data, unsigned size);
   // Visit the values that the algorithms pass to the system, or request from it. The library may call the
-  // visitor on this thread until the operation returns; later or on another thread, a call returns -1 without
-  // reaching the visitor. Return the same values as setValue().
+  // visitor on this thread until the operation returns. A later call, or one on another thread, returns -1
+  // without reaching the visitor. Both functions return the same values as setValue().
   int paramAlgoUpdateToSystem(void* block, const AlgoMetadataVisitor& visitor);
   int paramSystemDownloadToAlgo(void* block, const AlgoMetadataVisitor& visitor);
 
   // For ParameterChannel, which uses the table on one thread. The reference is valid as long as this object.
   const AlgoGuardedTable& table() const { return *mTable; }
-  // True once destroyClient() has started: the library receives no more operations on the client. Don't wait
-  // for its callbacks then.
+  // True once destroyClient() has started. The library then receives no more operations on the client, so
+  // don't wait for the library's callbacks.
   bool isClientDestroyed() const { return mIsClientDestroyed; }
 
 private:

@@ -15,8 +15,8 @@ constexpr char kEntryName[] = "AlgoInterfaceEntry";
 
 AlgoNativeProvider* AlgoNativeProvider::getInstance() {
   static AlgoNativeProvider* const instance = new AlgoNativeProvider(kUnopened);
-  // Opens the library only after `instance` is initialised: otherwise, other threads would wait for the
-  // library's entry, and an entry that creates a client would block forever.
+  // Opens the library only after `instance` is initialised, because other callers wait until then. Otherwise,
+  // they would also wait for the library's entry, and an entry that creates a client would block forever.
   if (!instance->mIsOpened.exchange(true)) instance->initAlgoInterface(&instance->mCallbacks);
   return instance;
 }

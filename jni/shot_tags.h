@@ -87,11 +87,11 @@ public:
 
   // The number of capture results.
   int size() const { return static_cast<int>(mCaptureResults->size()); }
-  // Returns an empty frame, where every tag is missing, for an index outside both lists.
+  // For an index outside both lists, returns an empty frame, where every tag is missing.
   Frame at(int index) const { return {element(*mCaptureResults, index), element(*mCompositions, index)}; }
   Frame first() const { return at(0); }
   Frame last() const { return at(size() - 1); }
-  // Returns the last frame for an index past the list.
+  // For an index past the last capture result, returns the last frame.
   Frame atOrLast(int index) const { return index < size() ? at(index) : last(); }
 
 private:
@@ -184,8 +184,8 @@ public:
   const FrameList& frames() const { return mFrames; }
   Frame first() const { return mFrames.first(); }
 
-  // Reads a tag into `value`. Returns 0, or -1 if the tag is missing, of the wrong type, or an empty list of
-  // metering rectangles; `value` is then unchanged, but text and bytes become zero.
+  // Reads a tag into `value`. Returns 0, or -1 if the tag is missing, has the wrong type, or is an empty list
+  // of metering rectangles. On failure, text and bytes become zero; other values stay unchanged.
   template <typename T>
   int read(const Frame& frame, const char* tag, T& value) const {
     return getter::get(*mParser, value, tag, frame);

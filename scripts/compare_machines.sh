@@ -1,6 +1,6 @@
 #!/bin/bash
 # Runs requests on this machine and on ARM, and compares parameters, algorithm lists, returned values, output
-# descriptors, images, printed text and events. Then replays the recordings of this machine on ARM.
+# descriptors, images, printed text and events. Then replays this machine's recordings on ARM.
 #   scripts/compare_machines.sh [request.json ...]      without arguments: all samples
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
@@ -24,7 +24,7 @@ results_of() {
   fi
 }
 
-# summary MACHINE: prints the text that the runs printed, without folders, times and descriptors.
+# summary MACHINE: prints the runs' output with folders, times and descriptors masked.
 summary() {
   sed -E "s#$work/$1##g; s/\b[0-9]+\.[0-9] ms\b/* ms/g; s/\bsharedFd = [0-9]+/sharedFd = */g" "$work/$1/summary.txt"
 }

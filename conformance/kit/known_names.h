@@ -28,7 +28,7 @@ constexpr ParameterSize kParameters[] = {
 #include "parameter_sizes.inc"
 };
 
-// Size in bytes of the largest parameter that the service sets, "remosaic_eeprom_data".
+// Size in bytes of "remosaic_eeprom_data", the largest parameter that the service sets.
 constexpr size_t kMostBytes = 8482;
 
 // Number of values that a block must be able to store; more than any request sets.

@@ -1,4 +1,4 @@
-// The table of an algorithm library that answers at once and stores nothing, for trials and benchmarks.
+// An algorithm library's table for trials and benchmarks. Its operations return at once and store nothing.
 #pragma once
 
 #include <cstring>
@@ -8,7 +8,7 @@
 namespace orlu::trial {
 
 // Fills in all callables except process(), getData(), translateParamFile() and the reserved ones. `token` is
-// the handle of every client and block; nothing is stored in it.
+// the handle of every client and block; no operation uses the memory at `token`.
 inline void fillAnsweringTable(AlgoInterfaceCallbacks& table, void* token) {
   table.init = [](const AlgoInitRecord&) { return 0; };
   table.uninit = [](const AlgoUninitRecord&) { return 0; };
@@ -27,7 +27,8 @@ inline void fillAnsweringTable(AlgoInterfaceCallbacks& table, void* token) {
   ops.paramSystemDownloadToAlgo = [](void*, const AlgoMetadataVisitor&) { return 0; };
 }
 
-// Reports the request as finished: calls the cookie's result callback on this thread. Allocates no memory.
+// Reports a request as finished: calls, on this thread, the callback at the address `cookie`. Allocates no
+// memory.
 inline void callBackDone(uint64_t cookie, uint64_t nativeReq) {
   constexpr size_t kNameLength = sizeof kShotCallback - 1;
   CallbackHeader header = {};

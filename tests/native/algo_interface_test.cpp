@@ -1,5 +1,5 @@
-// Order of the callables in their tables. The algorithm library finds callables by position, which compilers
-// can't check.
+// Tests the order of the callables in their tables. The algorithm library finds callables by position, and
+// compilers can't check the positions.
 
 #include "algo_interface.h"
 
@@ -8,7 +8,7 @@
 namespace orlu {
 namespace {
 
-// Expects callables that follow each other without gaps.
+// Expects each callable to follow the previous one in memory, without gaps.
 void expectInOrder(const std::vector<const void*>& callables) {
   const char* place = static_cast<const char*>(callables[0]);
   for (const void* callable : callables) {

@@ -1,4 +1,4 @@
-// This machine's <sys/cdefs.h> with an Android macro that the platform's headers use.
+// This machine's <sys/cdefs.h> plus an Android macro that the platform's headers use.
 #pragma once
 #include_next <sys/cdefs.h>
 #define __INTRODUCED_IN(level)

@@ -30,7 +30,7 @@ public final class RequestRecorder {
     private static final int USUAL_COUNT = 16;
     private static final long USUAL_BYTES = 1L << 30;
 
-    /** Which pixels are recorded: none, those of Java's images, or also those that the probe stored. */
+    /** Pixels to record: none, those of Java's images, or those and the pixels that the probe stored. */
     public enum Pixels { NONE, OF_JAVA, ALL }
 
     /** Limit of recordings that wait for full-async results. Above the limit, the oldest is closed. */
@@ -54,7 +54,7 @@ public final class RequestRecorder {
         mBytes = bytes;
     }
 
-    /** Returns a recorder with the settings in the properties; null if they name no folder. */
+    /** Returns a recorder with the settings in the properties; null if FOLDER_PROPERTY is empty. */
     public static RequestRecorder ofProperties() {
         String folder = Setting.get(FOLDER_PROPERTY);
         if (folder.isEmpty()) {
@@ -96,7 +96,7 @@ public final class RequestRecorder {
         return recording.processImage(service, inst, request, inputs, outputs, compositions);
     }
 
-    /** Calls {@link Orlu3rdAlgoService#processImageUpdateResult} and adds it to the request's recording. */
+    /** Calls {@link Orlu3rdAlgoService#processImageUpdateResult} and adds the call to the recording. */
     public int processImageUpdateResult(Orlu3rdAlgoService service, long inst, Object request, Object inputs,
             Object outputs, Object compositions) {
         Recording recording = take(inst, request);

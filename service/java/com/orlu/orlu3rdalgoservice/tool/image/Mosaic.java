@@ -5,7 +5,7 @@ import com.orlu.orlu3rdalgoservice.tool.imagefile.SampleSink;
 import java.util.Arrays;
 
 /**
- * Raw samples of an RGGB colour filter, row by row. Read as PixelRows, each sample is a grey pixel.
+ * Raw samples of an RGGB colour filter, row by row. read() returns each sample as a grey pixel.
  *
  * @param bits bit depth; a white sample has all bits set
  */

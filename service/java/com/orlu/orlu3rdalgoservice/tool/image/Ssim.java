@@ -4,13 +4,13 @@ import java.util.stream.IntStream;
 
 /**
  * Structural similarity (1 if equal) of the lumas of two pictures: the mean over windows of 8x8 pixels, 4
- * pixels apart. Computed here because no package of Debian does so for Java.
+ * pixels apart. Computed here because Debian has no Java package for it.
  */
 public final class Ssim {
     private static final int BLOCK = 4;
     /** Rows of windows that one task computes. */
     private static final int BAND = 32;
-    /** Pixels of a window, which consists of four blocks. */
+    /** Number of pixels in a window of four blocks. */
     private static final double COUNT = 64;
     private static final double C1 = Math.pow(0.01 * PixelRows.WHITE, 2);
     private static final double C2 = Math.pow(0.03 * PixelRows.WHITE, 2);
@@ -30,7 +30,7 @@ public final class Ssim {
         double[][] windows = new double[rows - 1][columns - 1];
         int bands = (rows - 2) / BAND + 1;
         IntStream.range(0, bands).parallel().forEach(band -> addBand(one, other, band * BAND, windows));
-        // Adds in the order of the windows, because the order changes a floating-point sum.
+        // Adds up in a fixed order, because a floating-point sum depends on the order.
         double total = 0;
         for (double[] row : windows) {
             for (double window : row) {

@@ -8,7 +8,7 @@ import java.util.List;
 /** Finds the capture results among the metadata buffers of a dump. */
 final class DumpReader {
     private static final String TIMESTAMP = "android.sensor.timestamp";
-    /** Tags that occur only in a camera's description. */
+    /** Tags of a camera's description (its characteristics) that capture results don't have. */
     private static final List<String> OF_DESCRIPTIONS =
             List.of("android.info.supportedHardwareLevel", "android.request.availableCapabilities");
 
@@ -18,7 +18,10 @@ final class DumpReader {
         mNotes = notes;
     }
 
-    /** Returns the frames of a dump; none if the dump has no tags. */
+    /**
+     * Returns one frame per capture result, at most Limits.FRAMES. Missing tags are added from the camera's
+     * description. A dump with only a description gives one frame, a dump without tags none.
+     */
     List<ImportedFrame> frames(List<String> lines) {
         List<List<DumpEntry>> buffers = new ArrayList<>(new DumpParser(mNotes).parse(lines));
         buffers.removeIf(List::isEmpty);

@@ -11,7 +11,7 @@ import java.util.Set;
 import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
-/** Determines what ended the process, from the operations in progress. */
+/** Explains how a process ended, and during which operation of the algorithm library. */
 public final class Crash {
     private static final int LAST_EVENTS = 40;
     private static final int SIGNAL_BASE = 128;
@@ -66,7 +66,8 @@ public final class Crash {
         if (mExitStatus <= SIGNAL_BASE) {
             return "exit " + mExitStatus;
         }
-        // The VM handles a signal by aborting; its report names the signal and the place.
+        // The VM handles a fatal signal by aborting, so the exit status shows SIGABRT. The VM's report names
+        // the original signal and the place.
         Matcher fault = VM_SIGNAL.matcher(mVmReport);
         if (fault.find()) {
             Matcher frame = VM_FRAME.matcher(mVmReport);
@@ -77,7 +78,7 @@ public final class Crash {
         return "signal " + signal + (SIGNALS.containsKey(signal) ? " (" + SIGNALS.get(signal) + ")" : "");
     }
 
-    // With no operation open, the cause was the last operation's exception, a library thread or an exit.
+    // If no operation is open, the last operation's exception, a library thread or an exit ended the process.
     private String place() {
         if (mOpen != null) {
             return "in " + operation(mOpen);

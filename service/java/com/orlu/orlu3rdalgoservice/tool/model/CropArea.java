@@ -1,15 +1,15 @@
 package com.orlu.orlu3rdalgoservice.tool.model;
 
 /**
- * The area of an image to keep.
+ * The area that cropping an image keeps.
  *
  * @param x the first column, -1 to centre the area
  * @param y the first row, -1 to centre the area
  */
 public record CropArea(int x, int y, int width, int height) {
     /**
-     * Step of columns: packed formats store groups of four samples. The step applies to all formats, so that
-     * all images get the same area.
+     * The first column and the width are multiples of this, because packed formats store groups of four
+     * samples. The rule applies to all formats, so that all images get the same area.
      */
     private static final int COLUMNS = 4;
     private static final int ROWS = 2;
@@ -34,7 +34,7 @@ public record CropArea(int x, int y, int width, int height) {
         return area;
     }
 
-    /** Places the area in an image. Throws IllegalArgumentException, naming the image, if it doesn't fit. */
+    /** Places the area in an image. If it doesn't fit, throws IllegalArgumentException and names `image`. */
     CropArea in(int imageWidth, int imageHeight, String image) {
         CropArea placed = new CropArea(x < 0 ? (imageWidth - width) / 2 / COLUMNS * COLUMNS : x,
                 y < 0 ? (imageHeight - height) / 2 / ROWS * ROWS : y, width, height);
@@ -46,7 +46,7 @@ public record CropArea(int x, int y, int width, int height) {
         return placed;
     }
 
-    /** "320x240 from 16,8", or only the size. */
+    /** Returns, for example, "320x240 from 16,8", or only "320x240" for an area to centre. */
     @Override
     public String toString() {
         return width + "x" + height + (x < 0 ? "" : " from " + x + "," + y);

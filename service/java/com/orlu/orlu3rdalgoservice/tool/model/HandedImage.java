@@ -13,9 +13,10 @@ import java.util.List;
  *
  * @param call  "process" or "callback"
  * @param kind  "input" or "output"
- * @param text  the image's size, and the result of comparing its bytes with Java's image: Java's input from
- *              before the request, or Java's output from after it
- * @param match the result of this comparison
+ * @param text  the image's size, and the first difference from Java's image, or why there is no comparison.
+ *              An input is compared with Java's input before the request, an output with Java's output after
+ *              the request.
+ * @param match whether the image equals Java's image
  */
 public record HandedImage(String call, String kind, int index, String text, Match match) {
     public enum Match { SAME, DIFFERENT, UNKNOWN }
@@ -74,12 +75,12 @@ public record HandedImage(String call, String kind, int index, String text, Matc
         }
         byte[] bytes = file.bytes();
         byte[] counterpart = inJava.bytes();
-        // The library may receive less memory than Java has.
+        // The library may receive less memory than Java's image has.
         int common = Math.min(bytes.length, counterpart.length);
         return Arrays.mismatch(bytes, 0, common, counterpart, 0, common);
     }
 
-    /** "process input 0". */
+    /** Returns, for example, "process input 0". */
     public String name() {
         return call + " " + kind + " " + index;
     }

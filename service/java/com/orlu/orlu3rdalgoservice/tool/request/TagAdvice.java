@@ -33,7 +33,7 @@ final class TagAdvice {
     private record Range(String tag, double least, double most) {
     }
 
-    /** Notes warnings about a frame's capture result. `fieldOf` returns the field of a tag. */
+    /** Warns about a frame's capture result. `fieldOf` returns a tag's field, to which warnings are added. */
     static void give(CameraMetadataNative report, Function<String, Json> fieldOf) {
         for (Range range : RANGES) {
             if (report.get(range.tag()) instanceof Number number

@@ -7,7 +7,7 @@ import static org.junit.Assert.assertTrue;
 
 import org.junit.Test;
 
-/** Tests files with more mistakes than are kept or printed. */
+/** Tests Mistakes with more mistakes than it keeps or prints. */
 public final class MistakesTest {
     private static final int MOST_KEPT = 1000;
 
