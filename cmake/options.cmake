@@ -5,7 +5,7 @@ option(ORLU_BENCH "Build the benchmarks" OFF)
 set(ORLU_SANITIZE "" CACHE STRING "Sanitizers to build with: \"\", \"address,undefined\" or \"thread\"")
 
 if(NOT ANDROID)
-  # Debian's JDK 17, even if another JDK is the machine's default.
+  # Prefers Debian's JDK 17, even if another JDK is the machine's default.
   file(GLOB debian_jdk LIST_DIRECTORIES true /usr/lib/jvm/java-17-openjdk-*)
   if(debian_jdk)
     list(GET debian_jdk 0 JAVA_HOME)
@@ -16,7 +16,7 @@ if(ANDROID)
   # The NDK contains jni.h.
   set(JNI_INCLUDE_DIRS "")
 elseif(CMAKE_CROSSCOMPILING)
-  # Headers are equal on all machines; the VM must be the target's.
+  # This machine's JNI headers also fit the target; the VM library must be the target's.
   set(JNI_INCLUDE_DIRS ${JAVA_HOME}/include ${JAVA_HOME}/include/linux)
   file(GLOB JAVA_JVM_LIBRARY ${ORLU_ARM_ROOT}/usr/lib/jvm/java-17-openjdk-armhf/lib/server/libjvm.so)
 else()
@@ -47,15 +47,17 @@ else()
 endif()
 
 # orlu_add_jar(NAME SOURCE_DIR [CLASS_PATH JAR...] [DEPENDS TARGET...] [RESOURCES FILE...]): compiles every
-# source below SOURCE_DIR into java/NAME.jar. CLASS_PATH lists paths of jars, DEPENDS targets that this
-# function added, RESOURCES files below SOURCE_DIR that go into the jar. String concatenation is compiled to
-# plain calls: otherwise each start of the VM links it anew, because class archives can't hold the result.
+# source below SOURCE_DIR into java/NAME.jar. CLASS_PATH lists paths of jars. DEPENDS lists targets that
+# earlier calls of this function added; their jars join the class path. RESOURCES lists files below SOURCE_DIR
+# that the jar also contains. -XDstringConcat=inline compiles string concatenation to plain calls. Otherwise
+# each start of the VM would link every concatenation anew, because class archives can't hold the result.
 function(orlu_add_jar name source_dir)
   cmake_parse_arguments(JAR "" "" "CLASS_PATH;DEPENDS;RESOURCES" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${source_dir}/*.java)
   set(classes ${CMAKE_CURRENT_BINARY_DIR}/${name}-classes)
   set(jar ${ORLU_JAVA_OUTPUT_DIRECTORY}/${name}.jar)
-  # Targets only order the commands; files decide whether a command runs again.
+  # A dependency on a target only orders commands. The jar's command runs again only if a file changes, so it
+  # also depends on the jars of these targets.
   set(jars ${JAR_DEPENDS})
   list(TRANSFORM jars REPLACE "(.+)" "${ORLU_JAVA_OUTPUT_DIRECTORY}/\\1.jar")
   set(class_path ${JAR_CLASS_PATH} ${jars})

@@ -14,8 +14,8 @@ constexpr std::chrono::nanoseconds kCallbackTimeout(10'000'000'000);
 
 AlgoNativeRequestMap* const gRequestMap = new AlgoNativeRequestMap();
 
-// Returns true if Java has finished the full-async request, or can no longer finish it. The record stays
-// while its block has users.
+// Returns true if Java has finished the full-async request, or can no longer finish it. Even then, the
+// record stays in the map while its block has users.
 bool isFinished(const AlgoNativeRequest& request) {
   return (request.blockUsers & kUsedByJava) == 0;
 }
@@ -89,7 +89,7 @@ AlgoNativeRequest* AlgoNativeRequestMap::startWaiting(uint64_t nativeReq) {
   return request;
 }
 
-// Frees the record if remove() has taken it off the list meanwhile.
+// Frees the record if remove() took it off the list during the wait.
 void AlgoNativeRequestMap::stopWaiting(AlgoNativeRequest* request, uint64_t nativeReq) {
   std::lock_guard<std::mutex> lock(mMutex);
   if (findRequestLocked(nativeReq) != nullptr) {
@@ -149,8 +149,8 @@ void* AlgoNativeRequestMap::withdrawAnnouncement(uint64_t nativeReq) {
   if (found == mRequests.end() || isFinished(**found)) return nullptr;
   AlgoNativeRequest& request = **found;
   request.isAnnounced = false;
-  // If the client was destroyed meanwhile, its destructor left the request for Java to finish. Java can't,
-  // because the announcement did not reach it.
+  // If the client was destroyed after setAnnounced(), releaseOwned() left the request to Java. But Java can't
+  // finish it, because the announcement did not reach Java.
   const bool isAbandoned = request.isOwnerGone && !request.isFinishing;
   return isAbandoned ? releaseLocked(found, kUsedByLibrary | kUsedByJava) : nullptr;
 }

@@ -1,5 +1,5 @@
-// Each text in golden/ has a request and the complete translation of its metadata, in order. Each variation
-// changes a text slightly and lists the effects: values, algorithms and log lines.
+// Each text file in golden/ contains a request and the complete translation of its metadata, in order.
+// Each variation changes such a text slightly and lists the effects on values, algorithms and log lines.
 
 #include <gtest/gtest.h>
 
@@ -20,7 +20,8 @@ void report(const std::vector<GoldenLine>& failures) {
   for (const GoldenLine& line : failures) ADD_FAILURE_AT(line.file.c_str(), line.number) << line.text;
 }
 
-// Checks a request as written, and with its tags in compositions.
+// Runs and checks a request twice: as written, and with its tags in compositions, where they override wrong
+// values in the capture results.
 template <typename Check>
 void checkBoth(const GoldenCase& golden, const Check& check) {
   Algo algo;
@@ -67,7 +68,7 @@ TEST(MetadataUpdaterLogTest, EveryLineShowsTheOperationThatItsTextNames) {
   const LogCapture log;
   for (const auto& captures : {allGoldenTexts(), allGoldenVariations()}) {
     for (const GoldenCase& capture : captures) {
-      // The first translation finds the master frames; only a second one logs their list.
+      // The first translation finds the master frames. Only a second translation logs their list.
       runGolden(capture, algo, [](MetadataUpdater& updater) { updater.updateMetadata(); });
     }
   }

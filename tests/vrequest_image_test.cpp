@@ -65,7 +65,7 @@ const ImageCase kImageCases[] = {
     {"Yv12",            "YV12",           64, 48, {80, 40}, {5000, 2400}, "2 2 | 80 40 0 0 | 5000 2400 0 0 | 7400", ""},
     {"MipiRaw10",       "MIPI_RAW10",     64, 48, {80},     {100},        "6 1 | 80 0 0 0 | 3840 0 0 0 | 3840", ""},
     {"MipiRaw10Larger", "MIPI_RAW10X",    64, 48, {80},     {3841, 7},    "6 1 | 80 0 0 0 | 3841 7 0 0 | 3841", ""},
-    // Unlike for MIPI_RAW10, the plane's size is deliberately not corrected.
+    // Unlike MIPI_RAW10, MIPI_RAW12 deliberately keeps a plane size that is too small.
     {"MipiRaw12",       "MIPI_RAW12",     64, 48, {80},     {100},        "7 1 | 80 0 0 0 | 100 0 0 0 | 100", ""},
     {"Raw16",           "RAW16",          64, 48, {200},    {100},        "18 1 | 64 0 0 0 | 6144 0 0 0 | 6144", ""},
     {"Raw16LongTail",   "RAW16_LE10",     64, 48, {200, 3}, {6145},       "18 1 | 64 3 0 0 | 6145 0 0 0 | 6145", ""},
@@ -79,8 +79,9 @@ const ImageCase kImageCases[] = {
     {"NotAtTheStart",   " NV21",          64, 48, {80, 40}, {100, 50},    "0 1 | 80 40 0 0 | 100 50 0 0 | 100", "unknown format  NV21\n"},
     {"NoName",          nullptr,          64, 48, {80},     {100},        "0 1 | 80 0 0 0 | 100 0 0 0 | 100", "unknown format \n"},
 
-    // NV formats: the first plane's size is replaced if it is not below the memory's size, the second plane's
-    // if it is not positive. The frame's size is the sum before these corrections.
+    // NV formats only: the first plane's size is replaced if it equals or exceeds the memory's size. The
+    // second plane's size is replaced if it is 0 or negative. The frame's size is the sum before these
+    // corrections.
     {"WholeMemory",     "NV21", 64, 48, {80, 40}, {9000, 10}, "1 2 | 80 40 0 0 | 3840 10 0 0 | 9010", ""},
     {"BelowMemory",     "NV21", 64, 48, {80, 40}, {8999, 10}, "1 2 | 80 40 0 0 | 8999 10 0 0 | 9009", ""},
     {"AboveMemory",     "NV12", 64, 48, {80, 40}, {9001, 10}, "2 2 | 80 40 0 0 | 3840 10 0 0 | 9011", ""},
@@ -171,7 +172,8 @@ TEST_F(VRequestImageTest, BorrowsTheDescriptorOfAHardwareBuffer) {
 }
 
 // Converts an image with a hardware buffer whose handle has the words 1000, 1001, ... Returns the frame's
-// descriptor and copy of the handle: "descriptor | version numFds numInts | words 0, 1, 2, 254 and 255".
+// descriptor, and the handle as copied to the frame:
+// "descriptor | version numFds numInts | words 0, 1, 2, 254 and 255".
 std::string copyOf(size_t words, int numInts) {
   test::ImageSpec spec;
   std::vector<int32_t> values(words);

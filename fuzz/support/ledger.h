@@ -14,13 +14,13 @@ namespace orlu::fuzz {
 
 class Ledger {
 public:
-  // For the requests 0 to `requests` - 1.
+  // Creates a ledger for the requests 0 to `requests` - 1.
   Ledger(uint64_t seed, uint64_t requests);
 
   SoakPlan plan(uint64_t request) const { return soakPlan(mSeed, request); }
   const SoakWay& way(uint64_t request) const { return kSoakWays[plan(request).way]; }
 
-  // Record an observation. Thread-safe. `block` is a request's parameter block.
+  // The saw...() functions record an observation. Thread-safe. `block` is a request's parameter block.
   void sawBlock(uint64_t request, void* block);
   void sawBlockDestroyed(void* block);
   void sawProcess(uint64_t request) {
@@ -32,7 +32,8 @@ public:
   void sawReturn(uint64_t request) { ++mSeen[request].returned; }
   void sawAnnouncement(uint64_t request) { mSeen[request].announced = true; }
 
-  // Prints a row per way, and the first few requests with a wrong ending. Returns true if no ending is wrong.
+  // Prints a table row for each way (SoakWay), and the first few requests with an unplanned ending. Returns
+  // true if all requests ended as planned.
   bool print() const;
 
 private:
@@ -42,8 +43,8 @@ private:
     std::atomic<uint8_t> returned{0};
     std::atomic<uint8_t> ended{0};
     std::atomic<bool> isInProcess{false};
-    std::atomic<bool> lostBlock{false};  // destroyed while process() used it
-    std::atomic<bool> announced{false};  // also true after two callbacks
+    std::atomic<bool> lostBlock{false};  // block destroyed while process() used it
+    std::atomic<bool> announced{false};  // Java received at least one announcement
   };
   using Counts = std::array<uint64_t, kEndings>;
 

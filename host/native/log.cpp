@@ -1,6 +1,6 @@
 // liblog.so: writes lines in logcat's "threadtime" format to standard error. If ORLU_LOG_FILE names a file,
-// it receives every line, even those that ANDROID_LOG_TAGS filters out, as time (nanoseconds of
-// CLOCK_MONOTONIC), thread, priority letter, tag and text, separated by tabs.
+// appends every line to it, even lines that ANDROID_LOG_TAGS filters out. A line in the file has five fields,
+// separated by tabs: time (nanoseconds of CLOCK_MONOTONIC), thread, priority letter, tag and text.
 
 #include <android/log.h>
 #include <fcntl.h>
@@ -35,7 +35,7 @@ int32_t priorityOfLetter(char letter) {
 }
 
 // The contents of ANDROID_LOG_TAGS, such as "TAG:D OTHER *:S": a minimum priority for each named tag, and for
-// all other tags ("*"). If the priority is omitted, every line of the tag is shown.
+// all other tags ("*"). If the priority is omitted, it is VERBOSE.
 struct Filters {
   std::map<std::string, int32_t, std::less<>> tags;
   int32_t others = ANDROID_LOG_DEFAULT;
@@ -71,7 +71,8 @@ char letterOf(int priority) {
   return priority >= 0 && priority < kPriorities ? kPriorityLetters[priority] : '?';
 }
 
-// Opens ORLU_LOG_FILE, which is never closed. Returns its descriptor; -1 without a file.
+// Opens the file that ORLU_LOG_FILE names. The file is never closed. Returns its descriptor; -1 if the
+// variable names no file or the file can't be opened.
 int openLogFile() {
   const char* const path = std::getenv("ORLU_LOG_FILE");
   if (path == nullptr || *path == '\0') return -1;
@@ -83,8 +84,8 @@ int logFile() {
   return file;
 }
 
-// Writes the line with one call, so that lines of several threads don't mix. Replaces line ends in the text
-// by blanks.
+// Writes a line to the log file with one call, so that lines of several threads don't mix. Replaces line ends
+// in the text with blanks.
 void keep(int priority, const char* tag, const char* text) {
   timespec now = {};
   clock_gettime(CLOCK_MONOTONIC, &now);

@@ -50,7 +50,7 @@ TEST(LibraryAbsentTest, ClientsLiveWithoutTheLibraryAndWithoutItsEntry) {
   const std::string noClient = "init algo interface failed\ncreate client failed\n";
   {
     AlgoNativeContext context;
-    // One error for the provider's own table, one for the context's table.
+    // The library is opened for the provider's table and for the context's table. Both attempts log an error.
     EXPECT_EQ(kProviderTag + noLibrary + kProviderTag + noLibrary + noClient,
               test::errorText(log, kContextTag));
     expectNothingWorks(context, log);

@@ -20,7 +20,7 @@ NUMBERS = {"byte", "short", "int", "long", "float", "double"}
 DESCRIPTORS = {"B": "byte", "S": "short", "I": "int", "J": "long", "F": "float", "D": "double",
                "Z": "boolean", "C": "char", "V": "void"}
 
-# Arguments are None for a field.
+# `arguments` is None for a field.
 Member = collections.namedtuple("Member", "name arguments result static since")
 
 
@@ -55,7 +55,7 @@ def listed_type(text):
     if array:
         return listed_type(array.group(1)) + "[]"
     text = bare(text)
-    # For a constant, the listing has its value instead of its type.
+    # The listing shows a constant's value instead of its type.
     return "number" if re.fullmatch(r"-?[\d.]+(e[+-]?\d+)?", text) else text
 
 
@@ -83,7 +83,7 @@ def read_listing(path):
                           r"\s*(?:implements (.*?))?\s*\{")
     member = re.compile(r"(?:public|protected) (static )?(\w+)(?:(\(.*\))(?:: (.*))?|: (.*));")
     with open(path, encoding="utf-8") as lines:
-        # The ">" of a function type is not a bracket.
+        # Removes "=>" from function types: split_top() and bare() would read ">" as a bracket.
         for line in (line.strip().replace("=>", "") for line in lines):
             found = re.search(r"@since (\d+)", line)
             if found:
@@ -123,7 +123,7 @@ class Platform:
         self.classes, self.level = read_listing(listing), level
 
     def problem(self, class_name, member=None):
-        """Returns how a class or member differs from the platform; None if the platform has it."""
+        """Returns why the platform lacks a class or member at this level; None if the platform has it."""
         name = class_name.replace("$", ".")
         clazz = self.classes.get(name)
         if clazz is None:
@@ -203,7 +203,8 @@ def read_lookups(folder):
     """Yields (file:line, class, member or None) for each lookup in jni/."""
     row = re.compile(r'\b(CLASS|METHOD|STATIC_METHOD|FIELD|FindClass|GetFieldID)(?:_WITH)?'
                      r'\((?:\w+,\s*)?"([^"]+)"(?:,\s*"([^"]+)")?', re.DOTALL)
-    # A descriptor or class name outside a lookup; skips constants, which describe our own service's method.
+    # Matches descriptors and class names, to find those that `row` misses. Skips a string constant: it
+    # describes a method of our own service.
     named = re.compile(r'(?<!\[\] = )"(?:\([^"()]*\)[\w\[/$;]+|\[*L?(?:android|java)/[\w/$]+;?)"')
     for path in sorted(path for kind in ("cpp", "h", "inc") for path in pathlib.Path(folder).glob(f"*.{kind}")):
         text, clazz = path.read_text(encoding="utf-8"), None
@@ -214,14 +215,15 @@ def read_lookups(folder):
             kind, name, signature = match.groups()
             place = f"{path}:{text.count(chr(10), 0, match.start()) + 1}"
             if kind in ("CLASS", "FindClass"):
-                # "[I" has no members, and an array's class exists if its element's class exists.
+                # An array's class exists if its element's class exists. An array of a primitive type, such as
+                # "[I", needs no check: jni/ looks up no members of it.
                 element = re.fullmatch(r"\[+L(.*);", name)
                 clazz = (element.group(1) if element else name).replace("/", ".")
                 if clazz.startswith("["):
                     continue
                 yield place, clazz, None
             elif kind.startswith("GetField"):
-                # The only member looked up where it is used instead of in a table.
+                # CaptureResult.mResults: jni/ looks up all other members in tables.
                 yield place, "android.hardware.camera2.CaptureResult", field_of(name, signature)
             elif signature.startswith("("):
                 inside, result = signature[1:].split(")")

@@ -20,8 +20,8 @@ typedef enum android_LogPriority {
   ANDROID_LOG_SILENT,
 } android_LogPriority;
 
-// Formats a line, truncates it to 1023 bytes and passes it to the logger. Returns 1, or -EPERM if the
-// priority is below the minimum.
+// Formats a line, truncates it to 1023 bytes and passes it to the logger. Returns 1, or -EPERM if `prio` is
+// below the tag's minimum priority.
 int __android_log_print(int prio, const char* tag, const char* fmt, ...)
     __attribute__((__format__(printf, 3, 4)));
 
@@ -42,10 +42,10 @@ void __android_log_set_logger(__android_logger_function logger);
 // The default logger: writes logcat's "threadtime" lines to standard error.
 void __android_log_stderr_logger(const struct __android_log_message* log_message);
 
-// Sets the priority below which lines do not reach the logger, and returns the previous one. The initial
-// priority comes from the environment variable ANDROID_LOG_TAGS ("*:E"); by default, it is
-// ANDROID_LOG_DEFAULT, which drops only ANDROID_LOG_UNKNOWN. Tags that the variable names keep their own
-// priorities ("TAG:D *:S").
+// Sets the minimum priority and returns the previous one. Lines of lower priority do not reach the logger.
+// The initial minimum comes from the environment variable ANDROID_LOG_TAGS ("*:E"). By default, it is
+// ANDROID_LOG_DEFAULT, which drops only ANDROID_LOG_UNKNOWN. Tags that the variable names ("TAG:D") keep
+// their own minimum priorities.
 int32_t __android_log_set_minimum_priority(int32_t priority);
 
 #ifdef __cplusplus

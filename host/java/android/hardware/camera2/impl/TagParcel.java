@@ -7,7 +7,7 @@ import android.location.Location;
 import android.os.Parcel;
 import android.util.Rational;
 
-/** Writes a stored value to a parcel: its type, the number of elements, the elements. */
+/** Writes a tag's value to a parcel: the type, the number of elements and the elements. */
 final class TagParcel {
     private TagParcel() {
     }

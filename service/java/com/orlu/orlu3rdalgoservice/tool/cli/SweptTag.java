@@ -11,7 +11,7 @@ import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 import java.util.stream.IntStream;
 
-/** A tag and its values in a sweep, each in the form that the option --tag of ./run takes. */
+/** A tag and its values in a sweep. Each value has the form that the option --tag of ./run accepts. */
 record SweptTag(String name, List<String> values) {
     private static final int MOST = 1000;
     private static final int LEAST_DIGITS = 7;
@@ -49,7 +49,7 @@ record SweptTag(String name, List<String> values) {
         try {
             BigDecimal from = new BigDecimal(range.group(1));
             BigDecimal length = new BigDecimal(range.group(2)).subtract(from);
-            // Whole numbers stay exact.
+            // Enough digits to keep whole numbers exact.
             MathContext digits =
                     new MathContext(Math.max(LEAST_DIGITS, length.precision() - length.scale()));
             BigDecimal last = BigDecimal.valueOf(steps - 1L);
@@ -62,7 +62,7 @@ record SweptTag(String name, List<String> values) {
         }
     }
 
-    // Parses the elements of a JSON list, or unquoted texts.
+    // Parses the values as elements of a JSON list. If that fails, splits them at commas as unquoted texts.
     private static List<String> list(String values) {
         try {
             return Json.parse("--tag", 0, "[" + values + "]").list().stream().map(JsonWriter::line).toList();

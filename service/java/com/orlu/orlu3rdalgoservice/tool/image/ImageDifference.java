@@ -10,7 +10,7 @@ import java.util.stream.IntStream;
 
 /** The difference between two images of the same size. */
 public final class ImageDifference {
-    /** Typical differences are too small to see, so the picture amplifies them. */
+    /** picture() multiplies differences by this factor: most are too small to see. */
     public static final int AMPLIFICATION = 8;
     private static final int GREY = 128;
 
@@ -84,8 +84,9 @@ public final class ImageDifference {
     }
 
     /**
-     * Compares two images with the same description. Returns null if an image can't be read with it, or if
-     * the sizes differ. `stride` is in bytes. The bytes of a JPEG must end with its file.
+     * Compares two images with the same description. Returns null if an image can't be read with this
+     * description, or if the sizes differ. `stride` is in bytes. For a JPEG, each array must end where the
+     * JPEG file ends.
      */
     public static ImageDifference of(
             String formatName, int width, int height, int stride, byte[] one, byte[] other) {
@@ -128,14 +129,17 @@ public final class ImageDifference {
                 width, height, Math.max(8, Integer.SIZE - Integer.numberOfLeadingZeros(most)), samples);
     }
 
-    /** Returns null if a picture is null or the sizes differ. The result reads the pictures again later. */
+    /**
+     * Compares two pictures. Returns null if a picture is null or the sizes differ. ssim() and picture() of
+     * the result read both pictures again.
+     */
     public static ImageDifference of(PixelRows one, PixelRows other) {
         boolean isSame = one != null && other != null && one.width() == other.width()
                 && one.height() == other.height();
         return isSame ? new ImageDifference(one, other, null) : null;
     }
 
-    /** The first row that differs, from 0; -1 if all pixels are equal, even if other bytes differ. */
+    /** Index of the first row with different pixels; -1 if all pixels are equal. Ignores other bytes. */
     public int firstRow() {
         return mFirstRow;
     }
@@ -163,7 +167,7 @@ public final class ImageDifference {
         return mOther;
     }
 
-    /** The amplified difference: grey where the images are equal, lighter where `other` is lighter. */
+    /** The amplified difference: grey where the images are equal, lighter where other() is lighter. */
     public PixelRows picture() {
         return new Amplified(mOne, mOther);
     }

@@ -10,7 +10,7 @@ import java.util.Arrays;
 import java.util.List;
 import java.util.Map;
 
-/** The use of an image's memory: in each plane of the image's description, and after the planes. */
+/** How an image's memory is used in each plane of the image's description, and after the planes. */
 public final class MemoryUse {
     private final int mSize;
     private final List<PlaneUse> mPlanes = new ArrayList<>();

@@ -12,9 +12,9 @@ import java.nio.file.Path;
 import java.util.Map;
 
 /**
- * A file that becomes an input.
+ * An image file that becomes an input of a request.
  *
- * @param size contains the size of pixels without a header; null for a file with a header
+ * @param size the width and height of a file without a header; null for a file with a header
  */
 record ImportedPicture(Path file, PixelFormat format, SuiteOutput size) {
     /** Reads the header of a file. Throws an IOException with the reason if the file can't be an input. */
@@ -32,7 +32,7 @@ record ImportedPicture(Path file, PixelFormat format, SuiteOutput size) {
         return new ImportedPicture(file, isEven ? PixelFormat.NV21 : PixelFormat.R8G8B8A8, null);
     }
 
-    /** Returns the description of the input for a request file in this folder. */
+    /** Returns the input's description for a request file. `folder` is the request file's folder. */
     Map<String, Object> input(Path folder, int frame) {
         Map<String, Object> input =
                 JsonWriter.object("file", relative(folder, file), "format", format.name());

@@ -11,9 +11,9 @@ import java.util.Map;
  * A stage of a run. The stages follow each other without gaps. The probe's events divide the call of
  * processImage into several stages.
  *
- * @param start     by System.nanoTime()
- * @param end       by System.nanoTime()
- * @param thread    the side whose thread works: Java or the algorithm library; Java if no callback arrives
+ * @param start     time of System.nanoTime()
+ * @param end       time of System.nanoTime()
+ * @param thread    the side whose thread works, "Java" or "library"; "Java" if no callback arrives
  * @param waits     the event that Java's thread waits for; empty if Java's thread works
  * @param faults    page faults of the working thread
  * @param allocated bytes that the working thread allocates on Java's heap; -1 in the parts of processImage,
@@ -65,13 +65,16 @@ public record StageTime(String stage, long start, long end, String thread, Strin
                 .mapToLong(event -> event.number("size")).sum();
     }
 
-    /** Divides the stage of processImage. For a full-async request, it lasts until the result is read. */
+    /**
+     * Divides the stage of processImage into parts. The stage of a full-async request lasts until the result
+     * is read.
+     */
     private static final class Division {
         private final RecordedEvents mEvents;
         private final Mark mBegin;
         private final Mark mEnd;
         private final List<StageTime> mStages;
-        // Where the next part starts.
+        // Start time of the next part.
         private long mStart;
         private long mFaults;
 
@@ -98,13 +101,14 @@ public record StageTime(String stage, long start, long end, String thread, Strin
                     mEnd.faults() - mFaults);
         }
 
-        // Adds the parts up to Java's next event after the callback. Returns false without a callback.
+        // Adds the wait for the callback, and the wake-up until the next event of Java's thread. Returns
+        // false if no callback arrives.
         private boolean addWait(Call process) {
             Event callback = mEvents.calls("callback").stream().map(Call::begin)
                     .filter(event -> event.number("of") == process.begin().number("n")
                             && event.isShot() && isHere(event))
                     .findFirst().orElse(null);
-            // The library may call back before process returns.
+            // If the library calls back before process returns, Java does not wait.
             if (callback == null || callback.time() < mStart) {
                 return callback != null;
             }
@@ -118,7 +122,7 @@ public record StageTime(String stage, long start, long end, String thread, Strin
             return true;
         }
 
-        // Page faults of the event's thread at the thread's previous event.
+        // The page-fault count in the previous event of the same thread; 0 if there is none.
         private long faultsBefore(Event event) {
             return mEvents.events().stream().filter(other -> other.number("tid") == event.number("tid")
                     && other.time() < event.time()).mapToLong(other -> other.number("faults")).max()
@@ -133,7 +137,7 @@ public record StageTime(String stage, long start, long end, String thread, Strin
             return event.number("tid") == mBegin.tid();
         }
 
-        // Adds a part in which Java's thread works, up to one of the thread's events.
+        // Adds a part in which Java's thread works. The part lasts until `end`, an event of this thread.
         private void part(String stage, Event end) {
             add(stage, JAVA, "", end.time(), end.number("faults") - mFaults);
             mFaults = end.number("faults");

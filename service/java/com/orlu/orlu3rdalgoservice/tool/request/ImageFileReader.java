@@ -15,7 +15,7 @@ import java.nio.file.Path;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Reads the members of an input that describe the input's file, and compares them with the file. */
+/** Reads an input's description of its file from a request file, and compares it with the file. */
 final class ImageFileReader {
     private static final int LARGEST_PLANE = 1 << 29;
     private static final long LARGEST_OFFSET = 1L << 48;
@@ -42,7 +42,10 @@ final class ImageFileReader {
         readSize(kind);
     }
 
-    /** Returns the file that a field names, relative to the request file. Throws if it can't be read. */
+    /**
+     * Returns the file that a field names. A relative name starts at the request file's folder. Throws if the
+     * file can't be read.
+     */
     static Path existing(Path requestFile, Json field) throws MistakeException {
         try {
             Path path = requestFile.resolveSibling(field.string());
@@ -57,12 +60,13 @@ final class ImageFileReader {
                 throw field.error("expected a regular file, found another kind: " + path);
             }
         } catch (InvalidPathException e) {
-            // Not a valid file name.
+            // An invalid name is reported like the name of a missing file.
         }
         throw field.error("no such file: " + Json.cut(field.string()));
     }
 
-    // Someone else's request could expose the user's files. An absolute path is conspicuous enough.
+    // Warns because a request file from someone else could expose the user's files. Absolute paths cause no
+    // warning: they are conspicuous enough.
     private static void warnOutside(Json field) throws MistakeException {
         Path name = Path.of(field.string()).normalize();
         if (!name.isAbsolute() && name.startsWith("..")) {
@@ -78,7 +82,7 @@ final class ImageFileReader {
         return mHeight;
     }
 
-    /** The default for the bits of a raw sample. */
+    /** The default bit depth of raw samples. */
     int bits() {
         return mBits;
     }
@@ -108,7 +112,8 @@ final class ImageFileReader {
         mHeight = agreeing("height", height);
     }
 
-    // Returns the size in the header. A different size in the request file is a mistake.
+    // Returns `inFile`, the width or height in the file's header. Throws if the request file has a different
+    // value.
     private int agreeing(String member, int inFile) throws MistakeException {
         if (inFile > Limits.FILE_SIDE) {
             throw mField.error(
@@ -192,7 +197,8 @@ final class ImageFileReader {
         return new ImageFile.Plane(members.integer("offset", 0L, LARGEST_OFFSET, offset), stride, size);
     }
 
-    // Both chroma planes of a planar format count as one plane with rows of half the width.
+    // The two chroma planes of a planar format count as one plane, whose rows have half the image's width. So
+    // this plane has as many rows as the luma plane.
     private int rows(int index) {
         return index == 0 || mFormat.isPlanar() ? mHeight : mHeight / 2;
     }

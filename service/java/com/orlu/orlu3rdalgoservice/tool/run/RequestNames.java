@@ -14,9 +14,10 @@ public final class RequestNames {
     }
 
     /**
-     * Returns a unique name for each request file, in order: the file's name without ".json". If the first
-     * file with the same name is in another folder, the later file gets its folder's name as a prefix:
-     * a/x.json and b/x.json become x and b-x. If the resulting name is taken, a number is appended.
+     * Returns a unique name for each request file, in order: the file's name without ".json". If an earlier
+     * file has the same name, and the first such file is in another folder, the name of the later file's
+     * folder becomes a prefix: a/x.json and b/x.json become x and b-x. If the resulting name is taken, a
+     * number is appended.
      */
     public static List<String> of(List<Path> files) {
         Set<String> taken = new HashSet<>();
