@@ -44,7 +44,8 @@ Lines allLookups() {
   return table.lookups();
 }
 
-// Whichever member is missing, getters must return, and must not change values that they can't read.
+// Even if a Java class or member is missing, every getter must return. It must not change an output that it
+// can't read.
 TEST_F(CameraMetadataParserLookupTest, CopesWithEveryMissingMember) {
   for (const std::string& lookup : allLookups()) {
     const LocalFrame frame;
@@ -60,7 +61,8 @@ TEST_F(CameraMetadataParserLookupTest, CopesWithEveryMissingMember) {
   }
 }
 
-// A frame's object is checked once if it has the right class, and is never used otherwise.
+// If a frame's result or composition has the right class, the parser checks the class only once. It never
+// uses an object of a wrong class.
 TEST_F(CameraMetadataParserLookupTest, ChecksEachFrameOnce) {
   const std::vector<jobject> results = {filledResult(), javaString("result"), filledResult()};
   const std::vector<jobject> compositions = {compositionWith("i", javaInt(4)), javaString("composition"),
@@ -77,8 +79,8 @@ TEST_F(CameraMetadataParserLookupTest, ChecksEachFrameOnce) {
       EXPECT_EQ(i == 1 ? 0 : 5, timestamp);
     }
   }
-  // The two good frames: two objects of each are checked once, and two values of each in all three rounds.
-  // The bad frame: both objects are checked at both reads in all three rounds.
+  // Each of the two good frames: the parser checks two objects once, and two values in all three rounds.
+  // The bad frame: both reads check both objects in all three rounds.
   EXPECT_EQ(2 * 2 + 3 * 2 * 2 + 3 * 2 * 2, table.calls("IsInstanceOf"));
 }
 

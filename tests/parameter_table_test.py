@@ -13,7 +13,7 @@ TABLE = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/tags/parameters.tx
 SECTIONS = "control|parameter|sensor|feedback|system|zoom"
 GOLDEN_LINE = re.compile(rf"(?:> |~ )?({SECTIONS}) (\S+?)(?:#\d+)? ([a-z]+)(?:\[(\d+)\])?((?: \S+)*)\s*$")
 ELEMENT_SIZES = {"byte": 1, "int": 4, "long": 8, "float": 4, "double": 8}
-# Types in golden texts, each with the types in parameters.txt that can display its bytes.
+# Maps each type in golden texts to the types in parameters.txt that can display a value of that type.
 SHOWN_AS = {
     "byte": {"BOOL"}, "int": {"INT", "MILLISECONDS"}, "float": {"FLOAT", "MILLISECONDS"},
     "long": {"LONG", "UNSIGNED_LONG"}, "ints": {"INTS", "RECT", "CROP", "SENSOR_CROP"}, "longs": {"LONGS"},

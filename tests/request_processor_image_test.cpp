@@ -61,7 +61,7 @@ TEST_F(RequestProcessorImageTest, SynchronousRequest) {
                           std::to_string(mSubmitted.nativeReq) + ", isAsync 0"));
   EXPECT_EQ(1, debugLines("process image X"));
 
-  // A second callback arrives too late.
+  // The request is finished, so a second callback has no effect.
   test::Algo::sendCallback(client().callbackCookie(), test::shotCallback(mSubmitted.nativeReq), {}, true);
   EXPECT_EQ(1, mLog.count(ANDROID_LOG_DEBUG, "_V_VASJNI-AlgoNativeRequestMap", "notify reqId = 8589934593"));
   EXPECT_EQ("", mRecorder.reports());
@@ -117,7 +117,7 @@ TEST_F(RequestProcessorImageTest, FullAsyncRequest) {
   EXPECT_TRUE(isKnown(nativeReq));
   EXPECT_EQ(1, test::Algo::counts().parameterBlocks);
 
-  setAlgoList({"custom"});  // differs from the list of the request
+  setAlgoList({"custom"});  // not the list that the request was submitted with
   mTrace.clear();
   EXPECT_EQ(0, updateResult(nativeReq));
   EXPECT_EQ(descriptors, test::openDescriptors());
@@ -193,8 +193,8 @@ TEST_F(RequestProcessorImageTest, MetadataOfOneFrameGoesAlong) {
   }
 }
 
-// The only test that waits for the timeout of ten seconds. Meanwhile, it also tests that the wait for a
-// request times out if the request is removed during the wait.
+// Only this test waits ten seconds for the timeout. Meanwhile, a second thread waits for another request,
+// which is removed during the wait. This wait must time out, too.
 TEST_F(RequestProcessorImageTest, TimesOutAfterTenSeconds) {
   AlgoNativeRequestMap map;
   const uint64_t removed = map.create(77, nullptr, false);

@@ -300,7 +300,8 @@ int runChecks() {
 }  // namespace
 }  // namespace orlu::conform
 
-// Leaves signals to the kit, which names the crashed operation, and to the Java VM, which uses SIGSEGV.
+// Keeps ASan from handling signals: the kit handles them to name the crashed operation, and the Java VM uses
+// SIGSEGV.
 extern "C" const char* __asan_default_options() {
   return "handle_segv=0:handle_abort=0";
 }

@@ -10,7 +10,7 @@
 namespace orlu::fuzz::fake_jni {
 namespace {
 
-constexpr jsize kArrayLength = 8;  // of arrays created by Java
+constexpr jsize kArrayLength = 8;  // length of every array that Java passes
 
 std::set<jobject> gLocals;
 std::set<jobject> gGlobals;
@@ -59,7 +59,7 @@ void enter(Arguments... arguments) {
   (take(arguments), ...);
 }
 
-// Stub for most functions, which differ only in their types. Fails by throwing or by returning null.
+// Stub for all JNI functions that differ only in their types. A failing call throws, returns null, or both.
 template <typename Answer, typename... Arguments>
 Answer JNICALL throwing(JNIEnv*, Arguments... arguments) {
   enter(arguments...);

@@ -1,6 +1,6 @@
-// Exports of the stand-in algorithm library, liborlu.vac.interface.so, by which tests and tools control and
-// inspect it. Look them up with dlsym(): nothing may link against this library, because the native library
-// opens it at run time.
+// Functions with which tests and tools control and inspect the stand-in algorithm library. The stand-in,
+// liborlu.vac.interface.so, exports them. Look them up with dlsym(): nothing may link against the stand-in,
+// because the native library opens it at run time.
 #pragma once
 
 #include <chrono>
@@ -40,7 +40,8 @@ enum class VisitorUse { kHere, kOtherThread, kLater };
 // How the library deviates from its usual behaviour. The default is no deviation.
 struct AlgoScript {
   std::set<std::string> notOffered;  // names of callables to leave empty in later tables
-  // false: no pixels, no light-stream events, no parameters but those of `values` and `echoFlag`.
+  // If false, the library writes no pixels, sends no light-stream events, and sets only the parameters of
+  // `values` and `echoFlag`.
   bool runAlgorithms = true;
   int processResult = 0;               // result of process(); the callbacks are sent anyway
   int callbacks = 1;                   // number of "shotCb" callbacks per request
@@ -50,11 +51,12 @@ struct AlgoScript {
   // The largest addition to the delay; the addition varies from request to request.
   std::chrono::milliseconds jitter{0};
   bool inOrder = true;  // false: a callback doesn't wait for the callbacks of earlier requests
-  // Reports the parameter "frame_flag" as the time of the base frame, so that a caller can identify its
-  // request.
+  // Copies the parameter "frame_flag" to the base frame's time in the results. A caller that sets a different
+  // flag in each request can then match results to requests.
   bool echoFlag = false;
   std::set<std::string> throwing;  // operations that throw; may include "AlgoInterfaceEntry"
-  // Operations that leave a Java exception pending on their thread; "callback" leaves it before the callback.
+  // Operations that leave a Java exception pending on their thread. With "callback", the callback's thread
+  // has a pending exception when it calls back.
   std::set<std::string> leaving;
   // destroyClient waits for the callbacks of its requests instead of dropping them.
   bool finishInDestroyClient = false;
@@ -72,7 +74,7 @@ struct AlgoCounts {
   int clients = 0;          // created and not destroyed
   int parameterBlocks = 0;  // kind 0, created and not destroyed
   int cameraBlocks = 0;     // kind 1
-  int pendingRequests = 0;  // submitted and without their last callback
+  int pendingRequests = 0;  // submitted; their last callback is still to come
 };
 
 using SetScriptFunction = void (*)(const AlgoScript* script);
@@ -86,8 +88,8 @@ using WaitIdleFunction = bool (*)(int milliseconds);
 
 // Sets a copy of the script for every operation that starts from now on; null sets a default AlgoScript.
 extern "C" void AlgoStandInSetScript(const orlu::standin::AlgoScript* script);
-// Sets a copy of the script for operations that are called on this thread. It takes precedence over the
-// common script; null removes it.
+// Sets a copy of the script for operations that are called on this thread. This thread's script takes
+// precedence over the common one; null removes the thread's script.
 extern "C" void AlgoStandInSetThreadScript(const orlu::standin::AlgoScript* script);
 extern "C" void AlgoStandInCount(orlu::standin::AlgoCounts* counts);
 // Calls back with these bytes and handles from a new thread and waits for that thread.

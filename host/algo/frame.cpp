@@ -11,7 +11,7 @@
 namespace orlu::standin {
 
 Frame::Frame(const AlgoFrameInfo& info) : mInfo(info) {
-  mInfo.nativeHandle = nullptr;  // belongs to the request and is freed with it
+  mInfo.nativeHandle = nullptr;  // the caller's; valid only until process() returns
   if (info.fdCount >= 1 && info.fd[0] >= 0) mFd = fcntl(info.fd[0], F_DUPFD_CLOEXEC, 0);
 }
 

@@ -10,7 +10,7 @@
 namespace orlu::standin {
 namespace {
 
-constexpr int64_t kEventType = 1;  // of every light-stream event
+constexpr int64_t kEventType = 1;  // type of every light-stream event
 
 // Returns a pseudo-random delay. The sequence of delays is the same in each run.
 std::chrono::milliseconds delayOf(const AlgoScript& script) {

@@ -13,8 +13,8 @@ namespace orlu::probe {
 namespace {
 
 constexpr char kLibraryName[] = "liborlu.vac.interface.so";
-// The name of the maker's library if the probe takes that library's usual name in the same folder. A phone
-// needs this, because its loader searches only one folder.
+// On a phone, the loader searches only one folder, so the probe is installed there as kLibraryName, and the
+// real library is renamed to kRealName.
 constexpr char kRealName[] = "liborlu.vac.interface.real.so";
 constexpr char kEntryName[] = "AlgoInterfaceEntry";
 
@@ -30,7 +30,7 @@ bool areSameFile(const std::string& left, const std::string& right) {
          first.st_dev == second.st_dev && first.st_ino == second.st_ino;
 }
 
-// Splits a list of folders like the loader, at ':' and ';'. An empty entry means the current folder.
+// Splits a list of folders at ':' and ';', as the loader does. An empty entry means the current folder.
 std::vector<std::string> foldersOf(const char* list) {
   std::vector<std::string> folders;
   if (list == nullptr || *list == '\0') return folders;
@@ -47,8 +47,8 @@ std::string probeFile() {
   return fileOf(reinterpret_cast<const void*>(&probeFile));
 }
 
-// Finds the library that the probe replaces. dlopen() can't do that: for this name it returns the probe,
-// which is already loaded.
+// Finds the library that the probe replaces. dlopen(kLibraryName) can't find it: it returns the probe, which
+// is already loaded under this name.
 std::string nextLibrary(const void* caller) {
   const std::string own = probeFile();
   std::string beside = folderOf(own) + "/" + kRealName;

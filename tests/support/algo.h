@@ -1,5 +1,5 @@
-// The stand-in algorithm library that the product opened. While an Algo lives, the library follows the
-// Algo's script, and the Algo records the calls of the library's operations.
+// Controls the stand-in algorithm library. While an Algo lives, the stand-in follows the script of the Algo's
+// last use(), and the Algo records the calls of the stand-in's operations.
 #pragma once
 
 #include <mutex>
@@ -31,7 +31,7 @@ public:
   Algo& operator=(const Algo&) = delete;
   ~Algo();  // waits for pending work, then restores the default behaviour
 
-  // Takes effect with use().
+  // Changes take effect when use() is called.
   standin::AlgoScript script;
   void use();
 

@@ -28,7 +28,7 @@ final class Canary {
     private final Path mBox;
     private Map<String, String> mBefore = Map.of();
 
-    /** Creates a file in `around`, beside `box`, the folder where commands may write. */
+    /** Creates the watched file in `around`. Commands may write only in `box`, a folder in `around`. */
     Canary(Path around, Path box) throws IOException {
         mAround = around;
         mBox = box;
@@ -41,7 +41,7 @@ final class Canary {
 
     /** Starts watching. The folder `in` and its files must stay unchanged. */
     void arm(Path in) throws IOException {
-        // The file system updates the access time only on the first access after a change.
+        // A file system may update the access time only if it is older than the modification time.
         Files.getFileAttributeView(file(), BasicFileAttributeView.class)
                 .setTimes(FileTime.from(Instant.now()), FileTime.fromMillis(0), null);
         mBefore = files(in);

@@ -9,11 +9,14 @@ import java.util.Arrays;
 import java.util.HexFormat;
 import java.util.List;
 
-/** The difference of two values: both values if short, else the differing fields, elements or first byte. */
+/**
+ * Describes how two values differ: shows both values if they are short, else the differing fields or
+ * elements, or the first differing byte.
+ */
 final class ValueDifference {
     private static final int LONGEST = 70;
     private static final int SHOWN = 3;
-    // Separates the fields of a record, but not within brackets.
+    // Matches the comma between two fields of a record, but no comma within brackets.
     private static final String BETWEEN_FIELDS = ", (?![^(\\[]*[)\\]])";
 
     private ValueDifference() {

@@ -5,37 +5,41 @@ import java.io.UncheckedIOException;
 import java.nio.file.Files;
 import java.nio.file.Path;
 
-/** The launcher's folder for one run, removed afterwards. The property orlu.work names it. */
+/**
+ * Paths of files in the work folder, and paths from environment variables; the files may be missing.
+ * The launcher creates the work folder for one run, passes it in the property orlu.work, and removes it
+ * afterwards.
+ */
 public final class WorkFolder {
-    /** The environment variable that names pages() if several processes write pages for one index. */
+    /** Environment variable with the path of pages(); set if several processes write pages for one index. */
     public static final String PAGES = "ORLU_PAGES";
 
     private WorkFolder() {
     }
 
-    /** The events file; it may not exist. Null if ORLU_EVENTS is not set. */
+    /** The events file. Null if ORLU_EVENTS is not set. */
     public static Path events() {
         return ofEnvironment(EventLog.VARIABLE);
     }
 
-    /** The file of the algorithm library's trace; it may not exist. Null if ORLU_ALGO_TRACE is not set. */
+    /** The file of the algorithm library's trace. Null if ORLU_ALGO_TRACE is not set. */
     public static Path algorithmTrace() {
         return ofEnvironment("ORLU_ALGO_TRACE");
     }
 
-    /** The folder of the probe's pixels; it may not exist. Null if ORLU_PIXELS is not set. */
+    /** The folder where the probe writes the images' pixels. Null if ORLU_PIXELS is not set. */
     public static Path pixels() {
         return ofEnvironment("ORLU_PIXELS");
     }
 
-    /** The file of the native side's log; it may not exist. Null if ORLU_LOG_FILE is not set. */
+    /** The file of the native side's log. Null if ORLU_LOG_FILE is not set. */
     public static Path log() {
         return ofEnvironment("ORLU_LOG_FILE");
     }
 
     /**
-     * The file with the state of the pages written so far: the file that PAGES names, else one in the work
-     * folder. Null without either.
+     * The file with the state of the pages written so far. PAGES contains its path; if PAGES is not set, the
+     * file is in the work folder. Null if there is no work folder either.
      */
     public static Path pages() {
         Path named = ofEnvironment(PAGES);
@@ -52,12 +56,12 @@ public final class WorkFolder {
         return file == null || file.isEmpty() ? null : Path.of(file);
     }
 
-    /** The VM's crash report; it may not exist. Null without a work folder. */
+    /** The VM's crash report. Null without a work folder. */
     public static Path vmReport() {
         return file("vm_report.log");
     }
 
-    /** The file with the trials' results; it may not exist. Null without a work folder. */
+    /** The file with the trials' results. Null without a work folder. */
     public static Path trials() {
         return file("trials.json");
     }
