@@ -1,4 +1,5 @@
-// A recorded sequence of JNI calls. A replay's time is a lower bound for the calling code's time.
+// A recorded sequence of JNI calls. The time of a replay is a lower bound for the time of the code that made
+// the calls.
 // Objects, strings and buffers are in numbered slots. A call that returns an object stores it in a slot for
 // later calls, so each replay uses its own objects.
 #pragma once
@@ -43,15 +44,15 @@ struct RecordedCall {
   void (*repeat)(JNIEnv* env, void** slots, const RecordedCall& call);
   RecordedValue arguments[kMaxArguments];
   uint32_t result;  // the slot of the result
-  Shape shape;      // of the Java method that is called
+  Shape shape;      // the argument types of the called Java method
 };
 
 class JniRecording {
 public:
   JniRecording();
 
-  // Replays the calls in [first, last). Must run on the thread that owns their objects, and after a replay of
-  // all earlier calls.
+  // Replays the calls in [first, last). Must run on the thread that owns the objects in the slots, after all
+  // earlier calls have been replayed.
   void replay(JNIEnv* env, size_t first, size_t last);
 
   size_t size() const { return mCalls.size(); }

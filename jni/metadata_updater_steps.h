@@ -8,15 +8,16 @@
 namespace orlu {
 
 constexpr char kLogTag[] = "_V_VASJNI-MetadataUpdater";
-// Tag of the few lines that are written at every log level.
+// Log tag of the few lines that are written at every log level.
 constexpr char kShortLogTag[] = "VASJNI-MetadataUpdater";
 
 constexpr char kFrameModeTag[] = "orlu.control.currentModeEx";
 
-// Reads a frame's faces in the active array's coordinates. The count comes from the tag, even if it exceeds
-// the table (Oddity 11).
+// Reads a frame's faces in the active array's coordinates. The returned count is the number of faces in the
+// tag, even if fewer fit into the record (Oddity 11).
 _tagOrluFaceInfo readFaces(const Shot& shot, const Frame& frame);
-// Returns the right and bottom edges of the active array as its size; zero if it is not reported.
+// Returns the right and bottom edges of the active array as a size; zero if the camera does not report the
+// active array.
 _tagOrluSize readActiveSize(const Shot& shot);
 // Reads the crop of a multi-camera system that switches cameras (SAT): left, top, width and height.
 Ints<4> readSatCropRegions(const Shot& shot, const Frame& frame);

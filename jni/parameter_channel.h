@@ -50,7 +50,7 @@ public:
 
 private:
   const AlgoGuardedTable* mTable;
-  JNIEnv* mEnv;  // of the creating thread; cached to save one call into the VM per access
+  JNIEnv* mEnv;  // environment of the creating thread; cached to save one call into the VM per access
   void* mBlock;
 };
 

@@ -128,7 +128,7 @@ jobject placeWithoutAltitude() {
 constexpr char kFace[] = "android/hardware/camera2/params/Face";
 constexpr char kRegion[] = "android/hardware/camera2/params/MeteringRectangle";
 // clang-format off
-// All faces that fit into the record.
+// The ten faces that fit into the face record.
 #define TEN_FACES " 0 1 2 3 1 2 3 4 2 3 4 5 3 4 5 6 4 5 6 7 5 6 7 8 6 7 8 9 7 8 9 10 8 9 10 11 9 10 11 12"
 #define FORTY_INTS " 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20" \
                    " 21 22 23 24 25 26 27 28 29 30 31 32 33 34 35 36 37 38 39 40"
@@ -139,7 +139,7 @@ const SpecialCase kSpecialCases[] = {
     {"NullFace",           reader<&P::getFaceInfo>, 4, JAVA(javaArray(kFace, {nullptr, nullptr})), "0: 2"},
     {"NullIntInFace",      reader<&P::getIntFaceArray>, 4, JAVA(javaArray(kInteger, {javaInt(1), nullptr, javaInt(3), javaInt(4)})), "0: 1 1 # 3 4"},
     {"NullRegion",         reader<&P::getMeteringRectangle>, 4, JAVA(javaArray(kRegion, {nullptr})), "0:"},
-    // An empty array fails without a log line.
+    // Reading an empty array fails, without a log line.
     {"NoRegions",          reader<&P::getMeteringRectangle>, 4, JAVA(javaRegions({}, 1)), "-1:"},
     {"TwoOfThreeInts",     reader<&P::getIntArray>, 2,         JAVA(countingInts(3)), "0: 1 2"},
     {"OneOfTwoBoxed",      reader<&P::getIntArrayOrlu>, 1, JAVA(javaArray(kInteger, {javaInt(1), javaInt(2)})), "0: 1"},

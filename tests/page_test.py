@@ -2,8 +2,8 @@
 """Checks the pages that ./run --report writes, without a browser: page_test.py BUILD_FOLDER [--all]
 
 Without --all, the test omits about half of the samples. A page must be a single file without external
-resources. Its data must equal --json. It must have the findings in FAULTS, and none for a sample without a
-planted fault."""
+resources. Its data must equal the output of --json. The page of a request in FAULTS must have exactly the
+findings of its row. The page of an unchanged sample must have no findings."""
 
 import base64
 import html.parser
@@ -112,7 +112,7 @@ def run(folder, requests, fault="", status=None, trials="off"):
 
 
 def request_with(name, folder, **members):
-    """Writes a copy of the sample clarity with these members replaced or added. Returns the file."""
+    """Writes a copy of samples/clarity.json with `members` replaced or added. Returns the file."""
     request = json.loads((ROOT / "samples/clarity.json").read_text())
     request["photo"] = str(ROOT / "samples/photos/table.jpg")
     request.update(members)
@@ -122,7 +122,7 @@ def request_with(name, folder, **members):
 
 
 def nv21(width, height, stride, seed):
-    """Returns the bytes of a grey picture of edges and slopes, with this stride."""
+    """Returns the NV21 bytes of a grey picture with edges and gradients. Both planes have this stride."""
     rows = bytearray()
     for y in range(height):
         rows += bytes((40 + seed + (x * 3 + y // 4) % 160 + (60 if (x - 90) ** 2 + (y - 60) ** 2 < 2500 else 0)) % 256
@@ -284,7 +284,11 @@ def check_samples(folder):
 
 
 def check_several(folder):
-    """After a crash, requests up to the crash have pages, and the index lists the requests after it."""
+    """Checks the pages of several requests in one run.
+
+    If a request crashes, it and the requests before it must have pages; the index must also list the later
+    requests. A repeated request must get a page of its own. A script in a request must stay text.
+    """
     pages = folder / "several"
     capture = ROOT / "samples/capture.json"
     run(pages, [ROOT / "samples/no-pass.json", capture, capture], "aborts:process", status=1)

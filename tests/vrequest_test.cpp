@@ -62,12 +62,13 @@ const Entry kEntries[] = {
     {"Assemble",       COMPOSITION ".assembleResultComposition ()L" RESULT ";", "mMethodAssembleResultComposition"},
     {"CaptureResult",  COMPOSITION ".mCaptureResult L" RESULT ";",            "VASJNI-VRequest: mFieldCaptureResult"},
     {"String",         "java/lang/String",                                    "mClazzString"},
-    // Reported under the name of List.get() on purpose.
+    // Reported under the name of List.get() (Oddity 10).
     {"StringLength",   "java/lang/String.length ()I",                         "mMethodGetListElement"},
 };
 // clang-format on
 
-// VRequestMissingTest checks that each row is looked up. This test rules out repeated and other lookups.
+// VRequestMissingTest checks that every entry of kEntries is looked up. This test checks that there are no
+// repeated or additional lookups.
 TEST_F(VRequestTest, LooksUpAsManyAsAreInTheTable) {
   // The VM performs lookups of its own when it loads a class.
   { const VRequest loading(env(), nullptr, nullptr, nullptr, nullptr); }
@@ -90,7 +91,7 @@ TEST_P(VRequestMissingTest, TellsWhatIsMissingAndGoesOn) {
   { const VRequest request(env(), nullptr, nullptr, nullptr, nullptr); }
   EXPECT_EQ(std::string(GetParam().label) + " is null\n" + kNullErrors, test::errorText(mLog, kTag));
 
-  // These calls do not use the missing class or member.
+  // These calls must not use the missing class or member.
   VRequest request(env(), javaRequest, images, images, compositions);
   request.setResultJpegSize(1, 0);
   request.setResultImageWH(1, 2, 0);
@@ -150,7 +151,7 @@ TEST_F(VRequestTest, ReadsIncompleteAndForeignRequests) {
 TEST_F(VRequestTest, WalksAnyList) {
   constexpr char kNullImage[] = "convert image failed, input is null\n";
   // clang-format off
-  const std::tuple<jobject, size_t, const char*> kCases[] = {  // list, size, errors if it is the list of inputs
+  const std::tuple<jobject, size_t, const char*> kCases[] = {  // list, size, errors if passed as the inputs
       {test::javaInt(1),                        0, "get list size failed, input is null\n"},
       {test::javaList({test::javaInt(1)}),      1, kNullImage},
       {test::newUnrulyList(1, true, false),     0, ""},
@@ -285,7 +286,7 @@ TEST_F(VRequestTest, ReadsOnlyTheFirst1024Elements) {
   EXPECT_TRUE(mLog.contains("getListSize() list has"));
 }
 
-// The remaining references are those to five classes and to each image, composition and capture result.
+// Local references to five classes and to each image, composition and capture result must remain.
 TEST_F(VRequestTest, KeepsNoMoreReferencesThanItsObjects) {
   jobject javaRequest = test::newRequest(1, "shot");
   jobject inputs = test::javaList(std::vector<jobject>(300, test::newSmallImage()));

@@ -1,5 +1,6 @@
-// The progress of a check's process: its step and the operation of each thread. The memory is
-// shared with the parent process, so it survives a crash and shows which operation hangs.
+// The progress of the process that runs a check: the check's step and the operation of each thread. The
+// progress is in memory shared with the parent process, so it survives a crash and shows which operation
+// hangs.
 #pragma once
 
 #include <chrono>
@@ -7,7 +8,8 @@
 
 namespace orlu::conform {
 
-// Shares memory with processes started from now on. Returns false if there is not enough.
+// Allocates the memory of the progress, shared with processes started from now on. Returns false if the
+// allocation fails.
 bool shareProgress();
 void unshareProgress();
 
@@ -23,8 +25,8 @@ std::string overdueOperation(std::chrono::seconds limit);
 // and reports "not run".
 void noteHang(const std::string& operation);
 
-// The current operation of this thread. Operations of the library have a name: they are timed and must
-// return. A nested operation replaces text and name while it runs.
+// The current operation of this thread. Only operations of the library have a name; they are timed and must
+// return. While a nested operation runs, its text and name replace those of the outer operation.
 class Operation {
 public:
   explicit Operation(const std::string& text, const std::string& name = "");
@@ -46,7 +48,7 @@ public:
   CallbackScope& operator=(const CallbackScope&) = delete;
   ~CallbackScope();
 };
-// Returns "flush", or "flush inside a callback" during a CallbackScope.
+// Returns the operation's name; during a CallbackScope, with " inside a callback" appended.
 std::string operationName(const std::string& operation);
 
 }  // namespace orlu::conform

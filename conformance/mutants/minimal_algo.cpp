@@ -51,8 +51,8 @@ int getValue(void* block, const char* section, const char* key, void* data, unsi
   return 0;
 }
 
-// Returns null without a Java VM. A callback may call into Java, so its thread must be attached to the VM,
-// and detached before it exits.
+// Returns null if the process has no Java VM. A callback may call into Java, so the calling thread must be
+// attached to the VM, and detached before the thread exits.
 JavaVM* findVm() {
   using Get = jint (*)(JavaVM**, jsize, jsize*);
   const auto get = reinterpret_cast<Get>(dlsym(RTLD_DEFAULT, "JNI_GetCreatedJavaVMs"));
@@ -115,14 +115,14 @@ void callBack(uint64_t cookie, uint64_t nativeReq) {
   if (vm != nullptr) vm->DetachCurrentThread();
 }
 
-// A partial copy of the record with duplicated descriptors: after process() has returned, the caller's record
-// is invalid, and for a full-async request so are its descriptors.
+// A partial copy of the record, with duplicated descriptors. The caller's record is invalid after process()
+// has returned; for a full-async request, the record's descriptors are invalid too.
 struct Request {
   void* client;
   uint64_t cookie;
   uint64_t nativeReq;
   std::vector<AlgoFrameInfo> frames;  // the first input and all outputs
-  std::vector<int> fds;               // duplicates of their descriptors
+  std::vector<int> fds;               // duplicated descriptors of these frames
 
   explicit Request(const AlgoProcessRecord& record)
       : client(record.client), cookie(record.callbackCookie), nativeReq(record.nativeReq) {

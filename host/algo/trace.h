@@ -1,5 +1,5 @@
-// Appends a line of JSON per finished request, with facts that only an algorithm library knows, to the file
-// in ORLU_ALGO_TRACE. Writes nothing if the variable is not set.
+// For each finished request, appends a line of JSON to the file that ORLU_ALGO_TRACE names. The line contains
+// facts that only an algorithm library knows. Writes nothing if the variable is not set.
 #pragma once
 
 #include <cstdio>
@@ -13,7 +13,7 @@ namespace orlu::standin {
 
 class Trace {
 public:
-  // Reads ORLU_ALGO_TRACE; later lines are appended to its file.
+  // Reads ORLU_ALGO_TRACE. If the file name has changed since the last call, opens the new file.
   void open();
   void done(uint64_t nativeReq, const RunReport& report);
 

@@ -1,5 +1,6 @@
 // Until destroyed, replaces an environment's JNI functions, to count calls and make lookups or calls fail.
-// Ignores calls by native methods of the VM, which frees their local references when they return.
+// Ignores the calls of the VM's own native methods: the VM frees the local references that such a
+// method creates when the method returns.
 #pragma once
 
 #include <jni.h>

@@ -1,4 +1,5 @@
-// Host stand-in for the NDK's bridge from android.hardware.HardwareBuffer (libandroid.so).
+// Host stand-in for the NDK's conversion of the Java class android.hardware.HardwareBuffer to AHardwareBuffer
+// (libandroid.so).
 #pragma once
 
 #include <android/hardware_buffer.h>

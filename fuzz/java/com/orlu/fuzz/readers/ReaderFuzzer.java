@@ -20,9 +20,10 @@ import java.util.TreeMap;
 import java.util.stream.Stream;
 
 /**
- * Runs the command in this VM on mutants of examples. Arguments: SEEDS WORK SECONDS SEED [FORM...]. SEEDS
- * contains a folder for each form, which contains a folder for each example. Mutant i depends only on
- * SEED + i and its example. The files of the first finding of each kind are stored in WORK/findings.
+ * Runs the command in this VM on mutants of examples. Arguments: SEEDS WORK SECONDS SEED [FORM...]. A form is
+ * a kind of input, such as a recording. The files of an example are in SEEDS/form/example. Mutant i depends
+ * only on SEED + i and the form's examples. The files of the first finding of each kind are stored in
+ * WORK/findings.
  */
 public final class ReaderFuzzer {
     private static final int SHOWN = 1500;
@@ -58,7 +59,7 @@ public final class ReaderFuzzer {
             fuzzer.run(Integer.parseInt(arguments[2]), forms.isEmpty() ? names(fuzzer.mSeeds) : forms);
             isFine = fuzzer.report();
         }
-        // Threads of hanging commands are still running.
+        // halt() runs no shutdown hooks: threads of hanging commands may still be running.
         Runtime.getRuntime().halt(isFine ? 0 : 1);
     }
 
@@ -106,7 +107,7 @@ public final class ReaderFuzzer {
             }
         }
         if (number >= 0) {
-            // Names of files inside and outside the folder, and of an endless file.
+            // The mutator may insert names of files inside and outside the folder, and of an endless file.
             Random chance = new Random(~(mSeed + number));
             new Mutator(chance, List.of("\"link\"", "\"../../canary\"", "\"/dev/zero\"", "\"..\"",
                     "\"" + mCanary.file() + "\"", "\"request.json\"", "\"input0.bin\"")).mutate(in);

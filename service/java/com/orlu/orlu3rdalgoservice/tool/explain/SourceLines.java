@@ -45,9 +45,9 @@ public final class SourceLines {
     }
 
     /**
-     * Returns each call's most specific source line: the line of its stack that the fewest kinds of calls
-     * share; the innermost if there are several. This skips lines that all calls pass through. An element is
-     * null if no line of its call is known.
+     * Returns the most specific source line of each call: the line of the call's stack that the fewest kinds
+     * of calls share. If several lines qualify, returns the innermost. This skips lines that all calls pass
+     * through. The element of a call without known lines is null.
      */
     public List<Place> of(List<Call> calls, List<String> kinds) {
         resolve(calls);
@@ -70,8 +70,8 @@ public final class SourceLines {
         return telling;
     }
 
-    // Templates in headers write the rows of all tables, so a line of a header does not identify the row.
-    // Returns lines of headers only if there are no others.
+    // Returns the known lines of the call's stack, innermost first. Templates in headers run the rows of all
+    // tables, so a line of a header does not identify a row: returns such lines only if no others are known.
     private List<Place> way(Call call) {
         List<Place> all = call.begin().texts("from").stream()
                 .flatMap(address -> mPlaces.getOrDefault(address, List.of()).stream()).toList();
@@ -113,7 +113,8 @@ public final class SourceLines {
         }
     }
 
-    // The output has an address, then a function and a line for each inlining level, innermost first.
+    // For each offset, the output has the address, then a function and a line per inlining level, innermost
+    // first.
     private void read(String module, List<String> lines) {
         List<Place> places = null;
         for (int i = 0; i < lines.size(); ++i) {

@@ -13,12 +13,15 @@ final class Shear {
     /** The smallest shift that counts: a slanted edge can shift the best match by a pixel or two. */
     private static final int LEAST = 3;
     private static final int SMOOTHED = 8;
-    /** Rough limits: pairs of rows that are compared, and pixels per row. More do not improve the result. */
+    /** Rough limits on compared pairs of rows and pixels per row. Higher limits don't improve the result. */
     private static final int MOST_PAIRS = 384;
     private static final int MOST_COLUMNS = 512;
     /** In a sheared picture, unshifted rows differ at least this many times as much as shifted rows. */
     private static final double RATIO = 1.25;
-    /** Unshifted rows of a sheared picture differ by this mean, in levels: uniform rows match anywhere. */
+    /**
+     * In a sheared picture, unshifted rows differ by more than this mean, in levels. Rows that differ
+     * less are so uniform that they match at any shift.
+     */
     private static final double LEAST_DIFFERENCE = 1;
 
     private final int mWidth;

@@ -1,2 +1,5 @@
-/** Text for people: mistakes with their places, suggestions, wrapping, and escaping of untrusted text. */
+/**
+ * Text for people: errors and warnings with their positions in files, suggestions for mistyped words, tables,
+ * wrapping, and escaping of untrusted text.
+ */
 package com.orlu.orlu3rdalgoservice.tool.text;
