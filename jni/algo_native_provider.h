@@ -10,8 +10,8 @@ namespace orlu {
 
 class AlgoNativeProvider {
 public:
-  // Returns the shared provider, which is created on first use, on any thread, and never destroyed. The first
-  // caller opens the library as the constructor does; other callers do not wait for that.
+  // Returns the shared provider, on any thread. The first call creates it, opens the library and fills in the
+  // provider's own table; other calls do not wait until the library is open. The provider is never destroyed.
   static AlgoNativeProvider* getInstance();
 
   // Opens the library and fills in the provider's own table.
@@ -36,8 +36,8 @@ private:
   // and returns null.
   Entry findEntry();
 
-  // Null until the library is open. The library is never closed, because the callables in clients' tables and
-  // the library's callback threads run its code until the process ends.
+  // Null until the library is open. The library is never closed: its own callback threads, and the callables
+  // in clients' tables, run its code until the process ends.
   void* mLibrary = nullptr;
   Entry mEntry = nullptr;             // result of the last lookup
   AlgoInterfaceCallbacks mCallbacks;  // never read: each client has its own table

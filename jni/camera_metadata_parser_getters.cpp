@@ -13,7 +13,7 @@ namespace orlu {
 
 // ---- Output destinations
 
-// Receives the bytes of a string or a byte array. The buffer is always zeroed first.
+// BytesOut receives the bytes of a byte array; TextOut, those of a string. Both always zero the buffer first.
 struct CameraMetadataParser::BytesOut {
   BytesOut(char* buffer, int capacity) : data(buffer), size(capacity) {
     std::fill_n(data, std::max(0, size), '\0');
@@ -62,8 +62,8 @@ struct CameraMetadataParser::MeteringOut {
 
 // ---- Unpacking
 
-// Unpacks a looked-up value. Returns 0, or -1 and logs a line that names the getter. An empty array of
-// metering rectangles gives -1 without a logged line.
+// Unpacks a value that was looked up. Returns 0 on success. On failure, returns -1 and logs a line that names
+// the getter; for an empty array of metering rectangles, returns -1 but logs nothing.
 template <typename Out>
 int CameraMetadataParser::read(const char* getter, const char* key, const ScopedLocalRef<>& value,
                                Out&& out) {
@@ -120,7 +120,7 @@ void CameraMetadataParser::copyPrimitives(T* out, int capacity, jobject array) {
 }
 
 // The array's class guarantees that its elements are boxed values of T or null. Freeing their references in
-// batches takes fewer calls than freeing each, and bounds the number of live references.
+// batches takes fewer calls than freeing them one by one, and limits the number of live references.
 template <typename T>
 void CameraMetadataParser::copyBoxed(T* out, int capacity, jobject array) {
   constexpr int kElementsAtOnce = 32;

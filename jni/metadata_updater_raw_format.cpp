@@ -5,8 +5,9 @@
 namespace orlu {
 namespace {
 
-// Overwrites three values (Oddity 18): "exp_sensitivity_ratio" of writeExposureControl(), and
-// "sensor_gain_short" and "isp_gain_short", which earlier rows copy from tags.
+// Writes the exposure parameters and overwrites three earlier values (Oddity 18): writeExposureControl() has
+// written "exp_sensitivity_ratio"; updateRawFormat() has copied tags to "sensor_gain_short" and
+// "isp_gain_short".
 void writeRawExposure(Shot& shot, const Aec& aec, bool hasFrontControl) {
   writeExposureControl(shot, aec);
   // clang-format off
@@ -15,7 +16,7 @@ void writeRawExposure(Shot& shot, const Aec& aec, bool hasFrontControl) {
   shot.write<float>  (kSystem, "isp_gain_short",        aec[kAecIspGainShort]);
   shot.write<float>  (kSystem, "sensor_gain_normal",    aec[kAecSensorGainNormal]);
   shot.write<float>  (kSystem, "isp_gain_normal",       aec[kAecIspGainNormal]);
-  // The normal time is an integer here (Oddity 31).
+  // An integer here, but a float in the low-light step (Oddity 31).
   shot.write<int32_t>(kSystem, "exp_time_normal",       normalExposureTime(aec, hasFrontControl));
   shot.write<float>  (kSystem, "adrc_gain_normal",      aec[kAecAdrcGainNormal]);
   shot.write<float>  (kSystem, "exp_sensitivity_ratio", aec[kAecExposureSensitivityRatio]);

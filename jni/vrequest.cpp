@@ -13,10 +13,10 @@
 namespace orlu {
 namespace {
 
-// Local references of the cache, plus spare room for temporary lookups.
+// Local references to the cached classes, plus spare room for temporary lookups.
 constexpr jint kLocalReferences = 32;
 
-// Closes only the descriptors that were duplicated from shared memory; the others are not owned.
+// Closes the descriptors that were duplicated from shared memory. Those of hardware buffers are not owned.
 void closeOwned(const std::vector<AlgoFrameInfo>& frames, const std::vector<int>& sharedMemoryFlags) {
   for (size_t i = 0; i < frames.size(); ++i) {
     if (sharedMemoryFlags[i] == 0) continue;
@@ -26,7 +26,7 @@ void closeOwned(const std::vector<AlgoFrameInfo>& frames, const std::vector<int>
 
 }  // namespace
 
-// The cache in the order of resolution: a class, then its members.
+// The cached classes and members, in the order of resolution: each class, then its members.
 struct VRequest::Table {
   using Row = JniMember<VRequest>;
 
@@ -180,9 +180,10 @@ jobject VRequest::getCaptureResult(jobject composition) {
 }
 
 int VRequest::getListSize(jobject list) {
-  // Callers read the list next and keep references to its elements.
+  // Callers read the list next and keep references: for example, to each composition and its capture result.
   constexpr jint kReferencesPerElement = 2;
-  // A hostile list may report any size, and elements cost memory and JNI calls. Real lists are far shorter.
+  // A limit, because a hostile list may report any size, while each element costs memory and JNI calls. Real
+  // lists are far shorter.
   constexpr jint kMostElements = 1024;
   if (mMethodListSize == nullptr || !isInstance(mEnv, list, mClazzList)) {
     LOGE("get list size failed, input is null");

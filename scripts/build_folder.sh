@@ -1,8 +1,8 @@
 # shellcheck shell=bash
 # Keeps the build folder of a preset up to date. Sourced by lib.sh.
 #
-# Ninja detects changed files, and runs CMake again if one of CMake's files changed. Everything else is
-# compared here with files that the last build left in the folder:
+# Ninja detects changed files, and runs CMake again if one of CMake's input files changed. This script detects
+# all other changes, with the first three of the files that a build leaves in the folder:
 #   setup.txt      path of the checkout, presets and options of CMake
 #   packages.txt   versions of the packages that compile or are compiled in
 #   built          marker, dated at the start of the last successful build
@@ -18,8 +18,8 @@ start_afresh() {
   rm -rf "$1"
 }
 
-# discard_strange FOLDER: deletes a build of another checkout, or one whose packages or package versions are
-# no longer installed.
+# discard_strange FOLDER: deletes the build if it belongs to another checkout, or if a package that it used is
+# no longer installed in the same version.
 discard_strange() {
   local folder=$1 home gone
   home=$(sed -n 's/^CMAKE_HOME_DIRECTORY:INTERNAL=//p' "$folder/CMakeCache.txt")
@@ -32,7 +32,7 @@ discard_strange() {
 }
 
 # tests_of FOLDER: prints ON if the tests are configured there and their packages are installed, else OFF.
-# Thus ./run does not remove the tests that ./test configured.
+# Thus ./run keeps the tests that ./test configured.
 tests_of() {
   local missing
   if grep -qs '^ORLU_TESTS:BOOL=ON' "$1/CMakeCache.txt" && are_installed "${test_packages[@]}"; then
@@ -50,7 +50,7 @@ setup_of() {
 }
 
 # touch_older FOLDER: updates the dates of sources that were replaced by older files (cp -p, mv, tar) since
-# the last build. Ninja would consider them unchanged.
+# the last build. Otherwise, Ninja would consider these sources unchanged.
 touch_older() {
   if [ -e "$1/built" ]; then
     find "$root" \( -path "$root/build" -o -path "$root/out" -o -path "$root/.git" \) -prune -o \
@@ -58,8 +58,8 @@ touch_older() {
   fi
 }
 
-# configure PRESET TESTS SETUP: runs CMake if the setup changed. --fresh clears CMake's cache, and keeps
-# compiled files.
+# configure PRESET TESTS SETUP: runs CMake if SETUP (the output of setup_of) changed since the last run of
+# CMake, or if that run's output is missing. --fresh clears CMake's cache but keeps compiled files.
 configure() {
   local folder=$root/build/$1
   if [ -e "$folder/build.ninja" ] && [ -e "$folder/CMakeCache.txt" ] &&
@@ -82,9 +82,9 @@ compile() {
   mv "$folder/building" "$folder/built"
 }
 
-# build_preset PRESET [--tests] [TARGET...]: builds the targets, by default all, in build/PRESET. Configures
-# the tests with --tests, or if tests_of prints ON. Prints progress; if the build fails, prints all output of
-# CMake and Ninja. Concurrent builds of a preset wait for each other.
+# build_preset PRESET [--tests] [TARGET...]: builds the targets (by default, all) in build/PRESET. Configures
+# the tests if --tests is given or tests_of prints ON. Prints progress; if the build fails, prints all output
+# of CMake and Ninja. Concurrent builds of a preset wait for each other.
 build_preset() {
   local preset=$1 folder=$root/build/$1 tests='' setup lock
   shift

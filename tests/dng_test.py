@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Tests DNG files: every pixel of compressed and uncompressed files, unsupported files, and damaged files.
+"""Tests DNG files as input: compares every pixel of compressed and uncompressed files, and checks the reports
+on unsupported and damaged files.
 
 dng_test.py BUILD_FOLDER
 """
@@ -20,7 +21,7 @@ NO_DNG = "not a DNG file, or a damaged one: no header with a DNGVersion in it"
 
 
 def sensor(bits):
-    """Returns samples with steps of all sizes, and the values that the decoder uses as markers."""
+    """Returns samples with steps of all sizes between neighbours, and the markers of dng_file.cpp."""
     rows = [[(x * x * 977 + y * 2731 * (x % 3)) % (1 << bits) for x in range(32)] for y in range(24)]
     rows[5][7:12] = [value % (1 << bits) for value in (0xA5C3, 0x5A3C, 0, 0xFFFF, 0x8000)]
     return rows
@@ -46,7 +47,7 @@ def takes_every_sample():
     files += [{"bits": bits, "backwards": True, "big_endian": bits == 12, **blocks}
               for bits in (8, 12, 16) for blocks in ({"tile": (18, 16)}, {"rows_per_strip": 10})]
     files.append({"bits": 12, "components": 2, "thumbnail": True, "tile": (40, 32), "big_endian": True})
-    # LibRaw crops to the active area, and scales, only when it develops an image.
+    # LibRaw applies ActiveArea (50829) and BlackLevel (50714) only when it develops an image, not here.
     files.append({"bits": 12, "extra": [(50829, SHORT, [1, 1, 23, 31]), (50714, SHORT, [64])]})
     done = run_with(["--out", "out"], [dng(sensor(file["bits"]), **file) for file in files])
     expect(f"DNG files: {done.stderr}{done.stdout[-300:]}", 0, done.returncode)

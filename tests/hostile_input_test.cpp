@@ -45,7 +45,8 @@ TEST_F(HostileInputTest, DoesNotBelieveAListOfTwoThousandMillionFrames) {
   EXPECT_EQ(1024U, request.captureResults().size());
 }
 
-// Without the reservation, -Xcheck:jni prints a warning, and this program fails after the last test.
+// If VRequest reserved no local references for the lists, -Xcheck:jni would print a warning, and this program
+// would fail after the last test.
 TEST_F(HostileInputTest, ReservesReferencesForThreeLongLists) {
   jobject images = copies(100, test::newSmallImage());
   jobject compositions = copies(100, test::newComposition());
@@ -55,7 +56,7 @@ TEST_F(HostileInputTest, ReservesReferencesForThreeLongLists) {
   EXPECT_EQ(0, result);
 }
 
-// Only the thread that waits for a synchronous request may destroy its block.
+// Only the thread that waits for a synchronous request may destroy the request's parameter block.
 TEST_F(HostileInputTest, DoesNotEndASynchronousRequestThatACompositionNames) {
   AlgoNativeRequestMap* const map = AlgoNativeRequestMap::getInstance();
   void* const block = client().context().createMetadata();

@@ -41,7 +41,8 @@ private:
   std::vector<std::pair<uintptr_t, uintptr_t>> mRanges;
 };
 
-// In this C++ library, the last two words of a callable are code addresses: its manager and its invoker.
+// Returns whether the last two words of the callable point to code. In libstdc++, these words are the
+// addresses of the callable's manager and invoker.
 template <typename Callable>
 bool isWhole(const Callable& callable, const CodeRanges& code) {
   uintptr_t words[sizeof(Callable) / sizeof(uintptr_t)];

@@ -9,9 +9,9 @@
 namespace orlu::standin {
 namespace {
 
-constexpr int kSmallestSide = 24;          // of the coarsest level
-constexpr int kCoarseRange = 4;            // samples in each direction, at the coarsest level
-constexpr int kFineRange = 2;              // at the finer levels
+constexpr int kSmallestSide = 24;          // least width and height of a halved level
+constexpr int kCoarseRange = 4;            // search range at the coarsest level: samples in each direction
+constexpr int kFineRange = 2;              // search range at the finer levels
 constexpr int64_t kEnoughSamples = 60000;  // limit on the compared samples of a level
 
 uint32_t sampleAt(const Plane& plane, int x, int y) {
@@ -75,7 +75,8 @@ double meanOf(const Luma& luma) {
   return static_cast<double>(sum) / static_cast<double>(std::max<size_t>(luma.samples.size(), 1));
 }
 
-// Returns the mean absolute difference of the overlap, over every step-th sample of every step-th row.
+// Returns the mean absolute difference of the two lumas where they overlap, after `brightness` is added to
+// the base. Compares every step-th sample of every step-th row. Returns infinity if they do not overlap.
 double meanDifference(const Luma& base, const Luma& other, Shift shift, int brightness, int step) {
   const int left = std::max(0, -shift.dx);
   const int right = std::min(base.width, base.width - shift.dx);
@@ -93,7 +94,7 @@ double meanDifference(const Luma& base, const Luma& other, Shift shift, int brig
                     : static_cast<double>(sum) / static_cast<double>(count);
 }
 
-// Returns the best shift within `range` of the start; the start itself if none is better.
+// Returns the shift with the least difference within `range` of `start`; `start` if no other shift is better.
 Shift searchAround(const Luma& base, const Luma& other, Shift start, int range) {
   const int brightness = static_cast<int>(std::lround(meanOf(other) - meanOf(base)));
   const int64_t samples = static_cast<int64_t>(base.width) * base.height;

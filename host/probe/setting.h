@@ -7,10 +7,10 @@
 namespace orlu::probe {
 
 // Returns the value of the variable `name`, which must begin with "ORLU_". If the variable is unset or empty,
-// returns the value of its property on a phone, else "".
+// returns the value of its property; "" if the property is unset too, or on a host, which has no properties.
 std::string setting(const char* name);
 
-// Returns the property of a variable: "persist.vendor.orlu.pixels_bytes" for "ORLU_PIXELS_BYTES".
+// Returns the name of a variable's property: "persist.vendor.orlu.pixels_bytes" for "ORLU_PIXELS_BYTES".
 std::string propertyOf(const std::string& name);
 
 }  // namespace orlu::probe

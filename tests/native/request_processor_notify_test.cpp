@@ -1,5 +1,5 @@
-// notify() kills the process, so each test runs in a forked child. The child must not start the program
-// again, because emulated processes can't start programs.
+// notify() kills the process, so each test calls it in a forked child. The death test style "threadsafe" is
+// unusable: it starts this program again in the child, and emulated processes can't start programs.
 
 #include <android/log.h>
 #include <dlfcn.h>
@@ -14,7 +14,8 @@
 namespace orlu {
 namespace {
 
-// Prints the algorithm library's operation to standard error, in brackets.
+// Prints the called operation of the algorithm library to standard error, in brackets. For a command, adds
+// the size of the data, the data with zero bytes as '0', and the size of the metadata.
 void showOperation(const probe::WatchedCall& call) {
   std::string text(call.operation);
   if (call.command != nullptr) {

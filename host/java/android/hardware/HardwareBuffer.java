@@ -4,7 +4,7 @@ import java.nio.ByteBuffer;
 import java.nio.ByteOrder;
 import java.util.Objects;
 
-/** A buffer that hardware can read and write, with a native handle of real descriptors. */
+/** A buffer that hardware can read and write. Its native handle contains real file descriptors. */
 public final class HardwareBuffer implements AutoCloseable {
     public static final int RGBA_8888 = 1;
     public static final int RAW16 = 0x20;
@@ -18,11 +18,11 @@ public final class HardwareBuffer implements AutoCloseable {
         System.loadLibrary("android_runtime");
     }
 
-    // An AHardwareBuffer with one reference owned by this object; 0 when closed. Read by
-    // AHardwareBuffer_fromHardwareBuffer().
+    // Pointer to an AHardwareBuffer; this object owns one reference to it. 0 when closed.
+    // AHardwareBuffer_fromHardwareBuffer() reads this field.
     private long mNativeObject;
 
-    // Takes ownership of the reference.
+    // Takes ownership of one reference to the AHardwareBuffer.
     private HardwareBuffer(long nativeObject) {
         mNativeObject = nativeObject;
     }
@@ -37,8 +37,8 @@ public final class HardwareBuffer implements AutoCloseable {
     }
 
     /**
-     * Host only, for tests with unusual handles: creates a buffer around a native handle with any words.
-     * Takes ownership of the first {@code numFds} words, which are descriptors.
+     * Host only, for tests with unusual handles: creates a buffer whose native handle contains the words. The
+     * first {@code numFds} words are descriptors; the buffer takes ownership of them.
      */
     public static HardwareBuffer fromHandle(int width, int height, int format, int numFds, int[] words) {
         return checked(nFromHandle(width, height, format, numFds, Objects.requireNonNull(words)));

@@ -30,7 +30,7 @@ public final class TagCheck {
     }
 
     /**
-     * Returns the verdict with the findings of --strict and the number of warnings as further reasons. The
+     * Returns the verdict with additional reasons: the findings of --strict and the number of warnings. The
      * status is FAILED if there are any reasons. An UNUSABLE verdict is returned unchanged.
      */
     public Verdict strict(Verdict verdict, int warnings) {

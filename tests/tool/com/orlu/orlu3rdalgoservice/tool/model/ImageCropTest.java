@@ -44,8 +44,8 @@ public final class ImageCropTest {
         return bytes;
     }
 
-    // Format; row strides, plane sizes and total size before; area; row strides, plane sizes and bytes after.
-    // The images are 8x4 pixels before. Padding becomes 00.
+    // Format, row strides, plane sizes and total size of an image of 8x4 pixels; the area to keep; row
+    // strides, plane sizes and bytes of the cropped image. Its padding is 00.
     private static final Object[][] ROWS = {
         {"R8G8B8A8", "[32]", "[128]", 128, "4,0,4,2", "[16]", "[32]",
             "101112131415161718191a1b1c1d1e1f 303132333435363738393a3b3c3d3e3f"},
@@ -87,7 +87,8 @@ public final class ImageCropTest {
     @Test
     public void describesBuffers() {
         Object[][] rows = {
-            // The width of a byte buffer is its size; other buffers lose as much as the image.
+            // Width and height of the buffer; its size after the crop. A byte buffer (of height 1) becomes as
+            // wide as the cropped image has bytes. Other buffers lose as many columns and rows as the image.
             {128, 1, "32x1"}, {10, 4, "6x2"}, {8, 6, "4x4"},
         };
         for (Object[] row : rows) {
@@ -127,7 +128,7 @@ public final class ImageCropTest {
 
     @Test
     public void placesAreas() {
-        // Argument, image size, and resulting area, or "!" and a part of the error message.
+        // Argument of --crop; image size; the resulting area, or "!" and a part of the error message.
         String[][] rows = {
             {"4,2", "20x10", "4x2 from 8,4"}, {"4,2", "22x13", "4x2 from 8,4"},
             {"8,6", "8x6", "8x6 from 0,0"},
