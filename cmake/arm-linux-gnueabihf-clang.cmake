@@ -1,8 +1,8 @@
-# 32-bit ARM as in arm-linux-gnueabihf.cmake, built with clang, lld and libc++, as for the phone. The C and
-# C++ libraries are in ORLU_ARM_ROOT; libgcc is from Debian's cross compiler.
+# Builds for 32-bit ARM like arm-linux-gnueabihf.cmake, but with the phone's toolchain: clang, lld and libc++.
+# The C and C++ libraries are in ORLU_ARM_ROOT; libgcc is from Debian's cross compiler.
 include(${CMAKE_CURRENT_LIST_DIR}/arm-linux-gnueabihf.cmake)
 
-# GoogleTest is built here too, and needs a C compiler.
+# This toolchain also builds GoogleTest, which needs a C compiler.
 set(CMAKE_C_COMPILER clang)
 set(CMAKE_CXX_COMPILER clang++)
 foreach(language C CXX)
@@ -10,7 +10,7 @@ foreach(language C CXX)
   set(CMAKE_${language}_COMPILER_EXTERNAL_TOOLCHAIN /usr)
 endforeach()
 set(CMAKE_SYSROOT ${ORLU_ARM_ROOT})
-# The tests expect the output of GNU readelf and strip, not of LLVM's.
+# The tests expect the output of GNU's readelf and strip, not that of LLVM's tools.
 set(CMAKE_READELF arm-linux-gnueabihf-readelf CACHE FILEPATH "")
 set(CMAKE_STRIP arm-linux-gnueabihf-strip CACHE FILEPATH "")
 

@@ -44,7 +44,7 @@ void AlgoNativeContext::destroyClient() {
 template <typename Record>
 void AlgoNativeContext::submit(const char* name, const std::function<int(const Record&)>& callable,
                                const Record& record) {
-  // Java may have destroyed the client inside an earlier operation of the same native method.
+  // During an earlier operation of the same native method, a callback to Java may have destroyed the client.
   if (mIsClientDestroyed) return;
   mTable->call(mTable->environment(), name, callable, -1, record);
 }

@@ -1,4 +1,5 @@
-// The boxed and array forms of each number type in Java. Included only by the parser's own files.
+// Assigns to each C++ number type the Java class that boxes it, and the classes of its Java arrays. Included
+// only by the source files of CameraMetadataParser.
 #pragma once
 
 #include "camera_metadata_parser.h"

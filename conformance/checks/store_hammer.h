@@ -3,7 +3,8 @@
 
 namespace orlu::conform {
 
-// Fails the check if a thread reads a value that was not set. Notes the number of values.
+// Fails the check if a value that a thread reads is missing or differs from what was set. Notes the number of
+// values and rounds.
 void hammerStore();
 
 }  // namespace orlu::conform

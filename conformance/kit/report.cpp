@@ -7,7 +7,7 @@
 namespace orlu::conform {
 namespace {
 
-constexpr size_t kMostLines = 5;  // of evidence
+constexpr size_t kMostLines = 5;  // maximum lines of evidence per check
 
 const char* wordOf(Verdict verdict) {
   if (verdict == Verdict::kFailed) return "failed";

@@ -7,8 +7,8 @@
 
 namespace orlu::conform {
 
-// Returns the name of the first callable that is set but does not point to code; "" if there is none or the
-// C++ library stores callables in an unknown form.
+// Returns the name of the first callable that is set but does not point to code; "" if there is none. Always
+// returns "" if it does not know how the C++ library stores callables.
 std::string oddCallable(const AlgoInterfaceCallbacks& table);
 
 }  // namespace orlu::conform

@@ -27,7 +27,7 @@ public:
   EventLine& text(const char* name, std::string_view value);
   EventLine& texts(const char* name, const std::vector<std::string>& values);
   EventLine& numbers(const char* name, const int32_t* values, int count);
-  // Adds at most kMostBytes bytes; adds no field for null.
+  // Adds at most kMostBytes bytes, in hexadecimal. Adds no field if `data` is null.
   EventLine& bytes(const char* name, const void* data, size_t size);
   // true, false, or null if unknown.
   EventLine& answer(const char* name, bool known, bool value);

@@ -36,7 +36,7 @@ public final class SharedMemory implements AutoCloseable {
         return mSize;
     }
 
-    /** Maps the complete file. {@link #unmap} ends the mapping, which stays valid after {@link #close}. */
+    /** Maps the complete file. The mapping stays valid after {@link #close}; {@link #unmap} ends it. */
     public ByteBuffer mapReadWrite() throws ErrnoException {
         return map(true);
     }
@@ -46,7 +46,7 @@ public final class SharedMemory implements AutoCloseable {
         return map(false).asReadOnlyBuffer().order(ByteOrder.nativeOrder());
     }
 
-    /** Ends a mapping; pass the same buffer that the map method returned, and do not use it afterwards. */
+    /** Ends a mapping. Pass the buffer that the mapping method returned, and do not use it afterwards. */
     public static void unmap(ByteBuffer mapping) {
         if (!mapping.isDirect()) {
             throw new IllegalArgumentException("The buffer is not a mapping");

@@ -10,7 +10,7 @@ import java.util.Set;
 import java.util.concurrent.ConcurrentHashMap;
 import java.util.concurrent.ConcurrentLinkedQueue;
 
-/** Listens to callbacks from construction until stop(), and queues their requests for soak tests. */
+/** Queues the requests of callbacks for soak tests. The constructor starts listening; stop() ends it. */
 public final class Callbacks implements CallbackListener {
     private static final Queue<long[]> DONE = new ConcurrentLinkedQueue<>();
     private static final Set<Long> THROWING = ConcurrentHashMap.newKeySet();
@@ -45,7 +45,7 @@ public final class Callbacks implements CallbackListener {
         return DONE.poll();
     }
 
-    /** Returns compositions that finish the request at this address. */
+    /** Returns the compositions to pass to the service to finish the request at this address. */
     public static List<CaptureResultComposition> toEnd(long address) {
         CaptureResultComposition composition = new CaptureResultComposition();
         composition.putMetadata("nativeRequestAddr", address);

@@ -7,9 +7,9 @@ import java.lang.reflect.Array;
 import java.nio.charset.StandardCharsets;
 
 /**
- * Converts a tag's value to the class that stores it or that a reader requests: between primitive and boxed
- * arrays, between strings and their UTF-8 bytes, and between single values and arrays of one element, but
- * never between number types. Returns copies of mutable values.
+ * Converts a tag's value to the class in which it is stored, or to the class that a reader requests. Converts
+ * between primitive and boxed arrays, between strings and their UTF-8 bytes, and between single values and
+ * arrays of one element, but never between number types. Returns copies of mutable values.
  */
 final class TagConversion {
     private TagConversion() {

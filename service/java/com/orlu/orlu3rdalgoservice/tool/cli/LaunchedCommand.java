@@ -4,14 +4,14 @@ import picocli.CommandLine.Command;
 import picocli.CommandLine.Model.CommandSpec;
 import picocli.CommandLine.Model.OptionSpec;
 
-/** A program that the launcher starts itself. This class only lists it in the help and the completion. */
+/** A program that the script ./run starts directly. This class only adds it to the help and completion. */
 @Command
 final class LaunchedCommand implements Subcommand {
     private final String mOptions;
 
     /**
-     * Takes the program's options except --help, separated by blanks; options with a value end in "=". A test
-     * checks that the options of "conform" match the conformance kit's help.
+     * `options` lists the program's options except --help, separated by blanks. An option with a value ends
+     * in "=". A test checks that the options of "conform" match the conformance kit's help.
      */
     LaunchedCommand(String options) {
         mOptions = options;

@@ -26,7 +26,7 @@ interface Subcommand {
         throw new IllegalStateException("the process ended");
     }
 
-    /** Adds details to `spec` that annotations can't express. */
+    /** Completes `spec` with details that annotations can't express. */
     default void describe(CommandSpec spec) {
     }
 }

@@ -15,8 +15,8 @@ import java.util.Set;
 import java.util.TreeSet;
 
 /**
- * Finds the tags that explain why a parameter differs between two runs: tags whose values differ and that the
- * parameter depends on in either run.
+ * Finds the tags that explain why a parameter differs between two runs. Such a tag differs between the runs,
+ * and the parameter depends on it in at least one run.
  */
 public final class Causes {
     private static final int SHOWN = 3;
@@ -26,10 +26,10 @@ public final class Causes {
 
     private final List<GivenTag> mGiven;
     private final List<Dependences> mRuns;
-    /** The dependences on each tag that the trials of any run tested. */
+    /** For each tag that trials tested: its dependences, one from each run whose trials tested it. */
     private final Map<Place, List<Dependence>> mTags = new HashMap<>();
 
-    /** `given` are the tags that differ; `runs` are the dependences that the trials of each run found. */
+    /** `given` lists the tags that differ between the runs; `runs` lists the trial results of each run. */
     public Causes(List<GivenTag> given, List<Dependences> runs) {
         mGiven = given;
         mRuns = runs;
@@ -42,10 +42,10 @@ public final class Causes {
     }
 
     /**
-     * Returns a line for each of the first three tags that can explain the difference, with its frames, and a
-     * line with the number of further tags. Tags that change the fewest parameters come first. If no tag
-     * explains the difference, returns one line: that the parameter changes with each translation, or the
-     * tags that it depends on.
+     * Returns up to three lines, each with one tag that explains the difference and the tag's frames. If
+     * there are more such tags, a fourth line contains their number. Tags that change the fewest parameters
+     * come first. If no tag explains the difference, returns one line. It reports that the parameter changes
+     * with each translation, or lists tags that the parameter depends on.
      */
     public List<String> lines(Difference difference) {
         String name = difference.parameter();
@@ -66,7 +66,7 @@ public final class Causes {
         return lines;
     }
 
-    /** Returns whether a differing tag explains the difference, or the parameter changes by itself. */
+    /** Returns true if a differing tag or a change with each translation explains the difference. */
     public boolean explain(Difference difference) {
         String name = difference.parameter();
         return isUnsteady(name) || mGiven.stream().anyMatch(tag -> changes(tag, name));
@@ -76,7 +76,7 @@ public final class Causes {
         return mRuns.stream().anyMatch(run -> run.unsteady().contains(parameter));
     }
 
-    // Returns the tags that a parameter depends on, whether or not they differ, as text.
+    // Returns text that lists tags that a parameter depends on. These tags may be equal in both runs.
     private String dependsOn(String name) {
         Map<String, Set<Integer>> tags = new LinkedHashMap<>();
         mRuns.stream().flatMap(run -> run.of(name).stream())

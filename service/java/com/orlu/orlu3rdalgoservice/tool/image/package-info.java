@@ -1,2 +1,2 @@
-/** Pixels: frames made from a photo, image memory, and the content of outputs. */
+/** Works with pixels: makes frames from photos, fills image memory, reads and compares outputs. */
 package com.orlu.orlu3rdalgoservice.tool.image;

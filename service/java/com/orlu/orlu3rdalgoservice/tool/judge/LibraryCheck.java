@@ -7,11 +7,14 @@ import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Checks whether an algorithm library is usable, from the events up to the creation of a client. */
+/**
+ * Checks whether an algorithm library is usable. Examines only the events of loading the library, filling in
+ * its table and creating a client.
+ */
 public final class LibraryCheck {
-    // Without these, no request is submitted, so synchronous requests time out.
+    // If one of these is missing, no request is submitted, so synchronous requests time out.
     private static final List<String> MANDATORY = List.of("process", "getSize");
-    // Without these, a request runs but loses its parameters or results.
+    // If one of these is missing, a request runs but loses its parameters or results.
     private static final List<String> CARRYING_VALUES = List.of("createMetadata", "setValue", "getValue");
 
     private LibraryCheck() {
@@ -50,7 +53,7 @@ public final class LibraryCheck {
         }
     }
 
-    /** Adds a reason if a usable library lacks functions that carry parameters and results. */
+    /** Adds a reason if the library lacks operations that carry parameters or results. */
     static void addMissingCarriers(RecordedEvents events, List<String> reasons) {
         addMissing(events, CARRYING_VALUES, reasons);
     }

@@ -20,7 +20,7 @@ public record TagFacts(String unit, String meaning, List<Value> values) {
     public record Value(String value, String meaning) {
     }
 
-    /** Returns a tag's facts; null if tags.txt lacks it. */
+    /** Returns a tag's facts; null if the tag is not in tags.txt. */
     public static TagFacts of(String tag) {
         return TAGS.get(tag);
     }
