@@ -14,15 +14,15 @@ inline bool clearException(JNIEnv* env) {
   return true;
 }
 
-// Returns `result`, which is from a JNI function that throws only if it returns null. If `result` is null,
-// clears the exception.
+// Returns `result`, and clears the pending exception if `result` is null. For results of JNI functions that
+// throw only when they return null.
 template <typename T>
 T clearIfNull(JNIEnv* env, T result) {
   if (result == nullptr) clearException(env);
   return result;
 }
 
-// Calls `attach`: JavaVM::AttachCurrentThread() or AttachCurrentThreadAsDaemon(), whose first parameter is a
+// Calls `attach`: JavaVM::AttachCurrentThread() or AttachCurrentThreadAsDaemon(). Their first parameter is a
 // void** in the JDK's jni.h and a JNIEnv** in Android's. `arguments` may be null. Returns the VM's result.
 template <typename Env>
 jint attachThread(JavaVM* vm, jint (JavaVM::*attach)(Env**, void*), JNIEnv** env,
@@ -30,8 +30,8 @@ jint attachThread(JavaVM* vm, jint (JavaVM::*attach)(Env**, void*), JNIEnv** env
   return (vm->*attach)(reinterpret_cast<Env**>(env), arguments);
 }
 
-// Owns one local reference, which the constructor and reset() take over; all other functions of this library
-// borrow a raw jobject parameter. If `env` is null, an enclosing local frame frees the reference instead.
+// Owns one local reference, passed to the constructor or to reset(). All other functions of this library only
+// borrow a raw jobject that they receive. If `env` is null, an enclosing local frame must free the reference.
 template <typename T = jobject>
 class ScopedLocalRef {
 public:
@@ -165,7 +165,8 @@ inline void reserveLocalReferences(JNIEnv* env, jint count) {
 }
 
 // Replaces with '?' every byte of `text` that is not part of a complete (modified) UTF-8 character.
-// NewStringUTF() may abort or read past the end of a truncated character. `text` is zero-terminated.
+// NewStringUTF() may abort on such a byte, or read past the end of `text` if the last character is truncated.
+// `text` is zero-terminated.
 void mendText(char* text);
 
 // Like IsInstanceOf(), but false for a null object or class.

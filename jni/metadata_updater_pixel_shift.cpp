@@ -7,14 +7,14 @@
 namespace orlu {
 namespace {
 
-constexpr char kOperation[] = "updatePixelShift";  // helpers log it as their operation
+constexpr char kOperation[] = "updatePixelShift";  // operation in the log lines of the helpers
 
 constexpr size_t kMatrixSize = 9;
 using AlgorithmMatrix = Floats<kMatrixSize>;
 // The numerator and denominator of each rational.
 using PlatformMatrix = Ints<2 * kMatrixSize>;
 
-// The index of the platform's rational for each element of the algorithm's matrix (Oddity 37).
+// Element i of the algorithm's matrix is rational kMatrixOrder[i] of the platform's matrix (Oddity 37).
 constexpr size_t kMatrixOrder[kMatrixSize] = {8, 6, 7, 2, 0, 1, 5, 3, 4};
 
 using GammaTable = Ints<65>;
@@ -27,7 +27,8 @@ bool isEmpty(const PlatformMatrix& matrix) {
   return true;
 }
 
-// A zero denominator gives the result of the float division: infinity or NaN.
+// Converts the platform's matrix to the algorithm's order. A zero denominator yields infinity or NaN, as in
+// any float division.
 AlgorithmMatrix reordered(const PlatformMatrix& matrix) {
   AlgorithmMatrix result = {};
   for (size_t i = 0; i < kMatrixSize; ++i) {
@@ -37,7 +38,7 @@ AlgorithmMatrix reordered(const PlatformMatrix& matrix) {
   return result;
 }
 
-// Returns the identity if the platform's matrix is absent or zero.
+// Returns the identity if the platform's matrix is absent or all its numerators are zero.
 AlgorithmMatrix readColourMatrix(const Shot& shot) {
   const auto matrix = shot.readOr<PlatformMatrix>(shot.first().captureResultOnly(), "orlu.feedback.ccm");
   if (!isEmpty(matrix)) return reordered(matrix);
@@ -53,7 +54,7 @@ void logTables(const AlgorithmMatrix& ccm, const Ints<4>& crop, const GammaTable
           c(4), c(5), c(6), c(7), c(8));
   LOGD_AS(kOperation, "pixelshift algonative:satCropRegions=(%d,%d,%d,%d)", crop[0], crop[1], crop[2],
           crop[3]);
-  // The algorithm has no separate Bayer crop: it crops to the region above.
+  // The algorithm has no separate Bayer crop: it crops to satCropRegions, so both lines log the same values.
   LOGD_AS(kOperation, "pixelshift algonative:bayercrop=(%d,%d,%d,%d)", crop[0], crop[1], crop[2], crop[3]);
   LOGD_AS(kOperation, "pixelshift algonative:gamma=(%d,%d,%d,%d,%d,%d,%d,%d,%d,%d)", gamma[0], gamma[1],
           gamma[2], gamma[3], gamma[4], gamma[5], gamma[6], gamma[7], gamma[8], gamma[9]);

@@ -26,7 +26,7 @@ std::chrono::nanoseconds nanosecondsOf(const timespec& time) {
 
 }  // namespace
 
-// The names that the linker uses for the wrapper and for the wrapped function.
+// The linker option --wrap sends each call of a function to __wrap_NAME. __real_NAME is the original.
 // NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 

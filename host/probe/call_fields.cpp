@@ -10,7 +10,7 @@ namespace {
 
 using android::hardware::hidl_handle;
 
-// Handles with more words are recorded without the words.
+// Largest number of words in a recorded handle. A larger handle is recorded with its counts only.
 constexpr int kMostHandleWords = 1024;
 
 std::string_view orEmpty(const char* text) {
@@ -154,7 +154,7 @@ void addOutputs(EventLine& line, const WatchedCall& call, const WatchedEnd& end)
       return;
   }
   if (call.value == nullptr || !call.value->isFilledIn) return;
-  // A visitor that failed may not have filled in the data.
+  // A failed visitor may have left the data unset.
   if (call.of != 0 && end.number != 0) return;
   line.bytes("bytes", call.value->data, call.value->size);
 }

@@ -15,9 +15,9 @@ enum CreateFromHandleMethod {
   AHARDWAREBUFFER_CREATE_FROM_HANDLE_METHOD_REGISTER = 2,
 };
 
-// Creates a buffer from a handle with any number of descriptors and integers. REGISTER, the only method
-// here, takes ownership of the handle, and closes and deletes it with the buffer. Returns 0 or a negative
-// errno.
+// Creates a buffer from a handle with any number of descriptors and integers. Supports only the method
+// REGISTER: the buffer takes over the handle, and closes and deletes it when the last reference to the buffer
+// is released. Returns 0, or a negative errno; on failure, the caller still owns the handle.
 int AHardwareBuffer_createFromHandle(const AHardwareBuffer_Desc* desc, const native_handle_t* handle,
                                      int32_t method, AHardwareBuffer** outBuffer);
 

@@ -89,7 +89,7 @@ public record Catalogue(String one, String help, List<String> columns, Function<
                 .filter(part -> !part.isEmpty()).collect(Collectors.joining("; "));
     }
 
-    // Returns the names of functions without their files, after `before`; "" if there are none.
+    // Returns `before` and the functions' names, without their files; "" if there are no functions.
     private static String functions(String before, Json places) {
         String names = places.elements().stream().map(place -> text(place).replaceFirst(" .*", "")).distinct()
                 .collect(Collectors.joining(", "));

@@ -10,7 +10,7 @@ import java.util.TreeMap;
 
 /** Lines of a table about tags. Frames with the same text share a line. */
 public final class TagRows {
-    /** A text about a tag in some frames, which `frames` names, such as "frames 0-3,5". */
+    /** A text about a tag. `frames` lists the frames that it applies to, such as "frames 0-3,5". */
     public record Row(String tag, String frames, String text) {
     }
 

@@ -23,7 +23,7 @@ record ImageRows(BufferedImage image) implements PixelRows {
         if (isGray) {
             readGray(y, to);
         } else if (image.getType() == BufferedImage.TYPE_3BYTE_BGR && image.getRaster().getParent() == null) {
-            // Most JPEGs, and PNGs with 8-bit RGB; the samples are sRGB already.
+            // Most JPEGs and 8-bit RGB PNGs have this type; their samples are sRGB already.
             byte[] samples = ((DataBufferByte) image.getRaster().getDataBuffer()).getData();
             int start = y * width() * CHANNELS;
             for (int at = 0; at < width() * CHANNELS; at += CHANNELS) {

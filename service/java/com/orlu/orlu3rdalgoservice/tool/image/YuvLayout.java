@@ -25,7 +25,10 @@ record YuvLayout(int stride, int chromaStride, int blue, int red, int step) {
         };
     }
 
-    /** The end of the last sample of an image of this size. It can exceed the planes if a side is odd. */
+    /**
+     * Returns the offset after the last sample of an image of this size. If the width or height is odd, this
+     * offset can lie beyond the end of the planes.
+     */
     long end(int width, int height) {
         long lastRow = (height - 1) / 2 * (long) chromaStride;
         return 1 + Math.max(blue, red) + lastRow + (width - 1) / 2 * step;

@@ -17,7 +17,7 @@ import java.util.zip.CRC32;
 /** One image after the request, as a page shows it. */
 public final class ImageExhibit {
     private static final int SMALL_WIDTH = 240;
-    /** In bytes; below this, a large picture shows no more than the small one. */
+    /** Smallest useful limit, in bytes: a large picture below it would show no more than the small one. */
     private static final int LEAST_LARGE = 30_000;
 
     private final String mName;
@@ -100,7 +100,7 @@ public final class ImageExhibit {
         return mChecksum;
     }
 
-    /** Whether the pixels come from a file. Frames made from the same photo may legitimately be equal. */
+    /** Whether the pixels come from a file. If not, they are made from the photo, and frames may be equal. */
     boolean isOfFile() {
         return mIsOfFile;
     }

@@ -10,11 +10,11 @@ import java.util.List;
  *
  * @param status   the exit status of the command
  * @param reasons  what went wrong; empty if all is well
- * @param breaches the breaches of the contract, which are among the reasons; null without --validate
+ * @param breaches the breaches of the contract, also listed in the reasons; null without --validate
  */
 public record Verdict(int status, List<String> reasons, List<Breach> breaches) {
     public static final int OK = 0;
-    /** A request failed, or compared results differ. */
+    /** A request or a check failed, or a comparison found differences. */
     public static final int FAILED = 1;
     /** The command line or an input file is invalid. */
     public static final int REFUSED = 2;

@@ -168,7 +168,7 @@ function tagsPanel() {
   };
 }
 
-// Makes a group of tags. It is open at first if it reports errors or lists the tags that were read.
+// Makes the card of one group of tags. The cards of tags with errors and of tags that were read start open.
 function tagGroup(group) {
   const made = table(
     ["tag", "frames", "found"],

@@ -16,7 +16,7 @@ import java.util.Arrays;
 import java.util.HexFormat;
 import java.util.Random;
 
-/** Tests the place of each sample in each format's memory, and computations on samples. */
+/** Tests where each format stores its samples, and computations on samples. */
 public final class PixelsTest {
     /** Initial content of the memory; the pictures never contain this value. */
     private static final byte UNTOUCHED = (byte) 0xEE;
@@ -36,7 +36,7 @@ public final class PixelsTest {
         return ByteBuffer.wrap(HexFormat.of().parseHex(text.replace(" ", ""))).order(ByteOrder.LITTLE_ENDIAN);
     }
 
-    /** Returns four blocks of two by two pixels: red and green above blue and white. */
+    /** Returns four blocks of two by two pixels: red and green at the top, blue and white at the bottom. */
     private static Picture blocks() {
         Picture picture = new Picture(4, 4);
         for (int y = 0; y < 4; ++y) {
@@ -64,7 +64,7 @@ public final class PixelsTest {
 
     @Test
     public void writesEachFormat() {
-        // Red, green and blue have luma 4c, 96, 1d; blue chroma 55, 2c, ff; and red chroma ff, 15, 6b.
+        // Luma, blue chroma and red chroma, in hex: 4c 55 ff for red, 96 2c 15 for green, 1d ff 6b for blue.
         String luma = "4c4c9696 4c4c9696 1d1dffff 1d1dffff";
         String padded = "4c4c9696eeee 4c4c9696eeee 1d1dffffeeee 1d1dffffeeee";
         Object[][] rows = {
@@ -89,7 +89,7 @@ public final class PixelsTest {
 
     @Test
     public void readsEachFormat() {
-        // Two blocks: luma 64 and 80; blue chroma 80 and 90, red chroma 70 and 80.
+        // Luma, blue chroma and red chroma, in hex: 64 80 70 for the left block, 80 90 80 for the right.
         String luma = "64648080 64648080";
         String wanted = "4e6f64 4e6f64 807a9c 807a9c";
         Object[][] rows = {
@@ -115,7 +115,7 @@ public final class PixelsTest {
     public void packsRawSamples() {
         int[] samples = {0x3FF, 0x001, 0x2A2, 0x1C3, 0x004, 0x155, 0x3A8, 0x20F};
         Object[][] rows = {
-            // The fifth byte contains the lower two bits of four samples, the first sample's in bits 0-1.
+            // The fifth byte contains the lower two bits of each sample, the first sample's in bits 0-1.
             {PixelFormat.MIPI_RAW10, 10, 8, 12, "ff00a870e7 0155ea83c4 eeee"},
             {PixelFormat.RAW16, 16, 8, 18, "ff030100a202c301 04005501a8030f02 eeee"},
             {PixelFormat.RAW_SENSOR, 12, 4, 0, "ff030100a202c301 04005501a8030f02"},
@@ -136,7 +136,7 @@ public final class PixelsTest {
         new Mosaic(4, 1, 8, new int[] {255, 1, 128, 2}).copyTo(PixelWriter.samples(narrow, to));
         assertArrayEquals(new byte[] {(byte) 255, 1, (byte) 128, 2, 0}, to.array());
         assertArrayEquals(new int[] {255, 1, 128, 2}, PixelReader.readMosaic(narrow, to).samples());
-        // Writing a row replaces all of its lower bits.
+        // Writing a row replaces all bits of the fifth byte.
         Arrays.fill(to.array(), (byte) 255);
         new Mosaic(4, 1, 10, new int[4]).copyTo(PixelWriter.samples(plan(narrow.format(), 4, 1, 0, 10), to));
         assertArrayEquals(new byte[5], to.array());
@@ -152,7 +152,7 @@ public final class PixelsTest {
         assertArrayEquals("RGGB", new int[] {205, 409, 409, 818}, mosaic.samples());
         assertEquals(1023, mosaic.white());
         assertEquals("3366cc 3366cc; 3366cc 3366cc", text(new Demosaic(mosaic)));
-        // A missing colour is the mean of its neighbours; a mosaic of one row has no blue.
+        // A missing colour is the mean of adjacent samples of that colour; a mosaic of one row has no blue.
         assertEquals("ff1400 aa1400 551400",
                 text(new Demosaic(new Mosaic(3, 1, 8, new int[] {255, 20, 85}))));
     }
@@ -184,7 +184,7 @@ public final class PixelsTest {
         Picture point = new Picture(9, 9);
         point.set(4, 4, 200, 100, 50);
         Picture blurred = point.blurred(1);
-        // 0.399 * 0.399 of the value stays; the blur is symmetric.
+        // The point keeps 0.399 * 0.399 of its value; the blur is symmetric.
         assertEquals("201008", text(blurred.crop(4, 4, 1, 1)));
         assertEquals(text(blurred.crop(3, 4, 1, 1)), text(blurred.crop(5, 4, 1, 1)));
         assertEquals(text(blurred.crop(4, 2, 1, 1)), text(blurred.crop(4, 6, 1, 1)));
