@@ -110,8 +110,11 @@ bool DngFile::listBlocks() {
   const int needed = ((width() - 1) / blockWidth + 1) * ((height() - 1) / blockHeight + 1);
   const int found = isTiled() ? tiling().count : std::max(mImage->strip_offsets_count, 1);
   // A valid file has at least one byte per strip or tile; this also limits their number.
-  if (needed != found || needed > libraw_internal_data.internal_data.input->size()) {
+  if (needed != found) {
     return fail("expected " + std::to_string(needed) + " strips or tiles, found " + std::to_string(found));
+  }
+  if (needed > libraw_internal_data.internal_data.input->size()) {
+    return fail("too short: " + std::to_string(needed) + " strips or tiles do not fit");
   }
   for (int top = 0; top < height(); top += blockHeight) {
     // Tiles at the lower edge have padding; the last strip has none.

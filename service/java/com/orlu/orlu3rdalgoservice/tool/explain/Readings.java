@@ -117,7 +117,7 @@ public final class Readings {
 
     // A composition may hold int[] where a capture result holds Integer[].
     private static boolean fits(String held, String asked) {
-        String boxed = held.equals("int[]") ? "Integer[]"
+        String boxed = held.isEmpty() ? "" : held.equals("int[]") ? "Integer[]"
                 : held.substring(0, 1).toUpperCase() + held.substring(1);
         return asked.isEmpty() || asked.equals(held) || asked.equals(boxed);
     }

@@ -25,6 +25,7 @@ import java.util.Set;
 public final class ExplanationsTest {
     private static final String EVENTS = """
             {"event": "lookup", "frame": 0, "tag": "t", "source": "captureResult", "outcome": "absent"}
+            {"event": "lookup", "frame": 0, "tag": "u", "source": "composition", "outcome": "found", "asked": "X"}
             {"event": "begin", "n": 1, "op": "setValue", "section": "s", "key": "a", "bytes": "00"}
             {"event": "begin", "n": 2, "op": "setValue", "section": "s", "key": "b", "bytes": "00"}
             {"event": "begin", "n": 3, "op": "setValue", "section": "s", "key": "c", "bytes": "00"}
