@@ -9,8 +9,8 @@ namespace orlu {
 constexpr int32_t kAeCompensationStepNumerator = 1;
 constexpr int32_t kAeCompensationStepDenominator = 10;
 
-// Returns whether to report a simulated aperture instead of the lens's: true for dual bokeh, even without
-// an f-number, and for any f-number of 0 or more.
+// Returns whether to report a simulated aperture instead of the lens's: always for dual bokeh, even without
+// an f-number; otherwise if there is an f-number and it is not negative.
 inline bool isApertureSimulated(bool isDualBokeh, bool hasFNumber, int32_t fNumber) {
   return isDualBokeh || (hasFNumber && fNumber >= 0);
 }

@@ -31,9 +31,9 @@ void writeFrameIds(Shot& shot, const FusionFrames& frames) {
   shot.write<Longs<2>>(kControl, "bokeh_request_id", requestIds);
 }
 
-// Both frames share one record: elements that the second frame lacks keep the first frame's values, and so do
-// all elements if there is no second frame (Oddity 21). The composition is also passed as the capture result
-// (Oddity 22).
+// Both frames are read into one record: elements that the second frame lacks keep the first frame's values.
+// If there is no second frame, all elements keep them (Oddity 21). The composition is also passed as the
+// capture result (Oddity 22).
 void writeExposureTimes(Shot& shot, const FusionFrames& frames) {
   Floats<2> times = {};  // milliseconds
   Aec aec = {};

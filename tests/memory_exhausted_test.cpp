@@ -61,8 +61,8 @@ protected:
     __android_log_set_logger([](const __android_log_message*) {});
   }
 
-  // Calls the native method repeatedly, failing the first, second, ... allocation, until no allocation fails.
-  // Returns the number of failures.
+  // Calls the native method repeatedly: in the first call, the first allocation fails, in the second call the
+  // second, and so on, until no allocation fails in a call. Returns the number of failed allocations.
   template <typename Native>
   static int failEach(const Native& native) {
     for (int failed = 0;; ++failed) {

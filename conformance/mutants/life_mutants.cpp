@@ -1,4 +1,5 @@
-// Mutants of outputs, values, clients and threads, modelled on mistakes of real libraries.
+// Mutants of outputs, values, clients and threads, modelled on mistakes of real libraries. The headings of
+// the groups are names of checks; mutants.txt lists the checks that each mutant fails.
 #include <fcntl.h>
 #include <unistd.h>
 
@@ -141,11 +142,12 @@ void keepClientMemory(Table& table) {
     return create(record);
   };
 }
-// Outputs of requests in flight, and outputs whose requests were in flight when their client was flushed.
+// Duplicated output descriptors: of the requests in flight, and of the requests that were in flight when
+// their client was flushed.
 struct Unfinished {
   std::mutex mutex;
-  std::map<void*, std::pair<void*, int>> outputs;  // by block: the client and the file
-  std::map<void*, std::vector<int>> flushed;       // files by client
+  std::map<void*, std::pair<void*, int>> outputs;  // by block: client and descriptor
+  std::map<void*, std::vector<int>> flushed;       // by client
 };
 void startOutput(Unfinished& all, const AlgoProcessRecord& record) {
   if (record.outputFrames.empty()) return;
@@ -271,7 +273,7 @@ void waitForPrevious(Table& table) {
   out.finishWithCallbacks(table);
   onProcess(table, [](const AlgoProcessRecord&) {
     std::unique_lock<std::mutex> lock(out.mutex);
-    // With a timeout, so that the check `overlap` fails before the call counts as a hang.
+    // The timeout lets the check `overlap` fail before the call counts as a hang.
     out.changed.wait_for(lock, std::chrono::milliseconds(900), [] { return out.count == 0; });
     ++out.count;
   });

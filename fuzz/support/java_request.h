@@ -15,7 +15,7 @@ struct JavaRequest {
   jobject sharedMemory;
 };
 
-// Returns a request created by HostileRequest.java, which explains `mode` and `address`.
+// Returns the arguments that HostileRequest.java makes from `seed`. That file explains `mode` and `address`.
 inline JavaRequest hostileRequest(uint64_t seed, int mode, uint64_t address) {
   jobject made = test::newObject("com/orlu/fuzz/HostileRequest", "(JIJ)V", static_cast<jlong>(seed), mode,
                                  static_cast<jlong>(address));
@@ -29,7 +29,8 @@ inline JavaRequest hostileRequest(uint64_t seed, int mode, uint64_t address) {
           field("sharedMemory")};
 }
 
-// Returns valid arguments that finish the request at `address`. `self` and `sharedMemory` are null.
+// Returns valid arguments for finishing the request whose "nativeRequestAddr" is `address`. `self` and
+// `sharedMemory` are null.
 inline JavaRequest friendlyRequest(uint64_t address) {
   jobject composition = test::newComposition();
   test::putKey(composition, "nativeRequestAddr", test::javaLong(static_cast<int64_t>(address)));

@@ -26,11 +26,11 @@ public:
   AlgoCounts count() const;
   bool waitIdle(std::chrono::milliseconds limit) { return mWorker.drainAll(limit); }
 
-  // Carries out the script for a call of the library's entry.
+  // Runs the script's actions for a call of AlgoInterfaceEntry().
   void entry();
 
-  // The callables of the tables. For a block that is not live, they return -1, except that getSize() returns
-  // 0 and process() runs the request without parameters.
+  // The callables of the tables. If a block is not live, getSize() returns 0, process() runs the request
+  // without parameters, and the other callables that need the block return -1.
   int init(const AlgoInitRecord& record);
   int process(const AlgoProcessRecord& record);
   int uninit(const AlgoUninitRecord& record);

@@ -15,7 +15,7 @@ constexpr int kTileLength = 323;
 constexpr int kTileOffsets = 324;
 constexpr int kShort = 3;
 constexpr unsigned kLittleEndian = 0x4949;
-// The smallest sensor that LibRaw accepts, and a limit that no sensor exceeds.
+// Limits of a sensor's width and height, in samples: LibRaw rejects smaller sensors, and no sensor is larger.
 constexpr int kLeastSide = 22;
 constexpr int kLargestSide = 1 << 14;
 // LibRaw represents Bayer patterns as numbers of at least this value, other patterns as smaller numbers.
@@ -109,10 +109,10 @@ bool DngFile::listBlocks() {
   if (!inRange("TileLength", blockHeight, 1, kLargestSide)) return false;
   const int needed = ((width() - 1) / blockWidth + 1) * ((height() - 1) / blockHeight + 1);
   const int found = isTiled() ? tiling().count : std::max(mImage->strip_offsets_count, 1);
-  // A valid file has at least one byte per strip or tile; this also limits their number.
   if (needed != found) {
     return fail("expected " + std::to_string(needed) + " strips or tiles, found " + std::to_string(found));
   }
+  // Each strip or tile has at least one byte, so the file's size limits their number.
   if (needed > libraw_internal_data.internal_data.input->size()) {
     return fail("too short: " + std::to_string(needed) + " strips or tiles do not fit");
   }

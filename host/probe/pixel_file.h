@@ -17,8 +17,9 @@ struct WrittenPixels {
 uint64_t memorySize(int fd);
 
 // Writes the first `size` bytes of the descriptor's memory, or the whole memory if it is smaller, to a new
-// file at `path`. Leaves no file if `size` is not positive, if there would be more than `mostBytes` bytes, or
-// if the copy fails, for example because the memory can't be mapped or partly disappears.
+// file at `path`. Creates no file if there is no memory, if `size` is not positive, if the file would exceed
+// `mostBytes` bytes, or if `path` can't be created or exists. Deletes the new file if the copy fails, for
+// example because the memory can't be mapped or partly disappears.
 WrittenPixels writePixels(int fd, int64_t size, uint64_t mostBytes, const std::string& path);
 
 }  // namespace orlu::probe

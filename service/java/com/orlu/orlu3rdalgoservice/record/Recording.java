@@ -21,7 +21,7 @@ import java.util.function.IntSupplier;
 
 /**
  * Writes the recording of one request: inputs before the request runs, results afterwards. The first failure
- * stops the recording; outcome.json then contains the reason, unless the reason can't be written either.
+ * stops the recording, and its reason is written to outcome.json if possible.
  */
 public final class Recording {
     private static final int VERSION = 2;
@@ -65,7 +65,7 @@ public final class Recording {
         return request instanceof VRequest ? Long.toString(((VRequest) request).getRequestId()) : "unknown";
     }
 
-    /** Runs a step unless the recording is finished or failed. No exception reaches the request. */
+    /** Runs a step unless the recording has finished or failed. No exception reaches the request. */
     void guard(Step step) {
         if (mIsOver) {
             return;
@@ -136,7 +136,7 @@ public final class Recording {
         mFolder.write(RecordFolder.REQUEST, json);
     }
 
-    // The values that the library creates a client from.
+    // Returns the values from which the library creates a client.
     private static Map<String, Object> clientOf(Map<String, Object> values) {
         Map<String, Object> client = new LinkedHashMap<>();
         for (String name : new String[] {"clientId", "algoContextIndex"}) {
@@ -167,7 +167,8 @@ public final class Recording {
         }
     }
 
-    // Unless `always` is set, pixels that are all 0, like fresh memory, get no file.
+    // Describes the images and writes their pixels to files. If `always` is false, pixels that are all 0,
+    // like fresh memory, get no file.
     private List<Object> images(String name, String prefix, Object images, boolean always)
             throws IOException, ErrnoException {
         List<?> all = (List<?>) images;

@@ -38,7 +38,7 @@ import java.util.List;
 import java.util.Map;
 import java.util.stream.Stream;
 
-/** Judges a run whose process died, from the files that the run left. Executed in a new process. */
+/** Judges a run whose process died. Works in a new process, with the files that the dead process left. */
 final class PostMortem {
     private static final String REPORT = "crash.log";
 
@@ -113,7 +113,7 @@ final class PostMortem {
         if (folder != null) {
             return RunFolder.read(folder, name, file);
         }
-        // The process died before recording began. Omits the events of earlier requests, which have pages.
+        // The process died before recording began. Earlier requests have pages: their events are left out.
         RecordedEvents events = new RecordedEvents();
         events.add(lines.stream().filter(line -> new Event(line).time() > pages.end()).toList());
         RequestFile request = RequestFileReader.read(file, mOptions.tried.photo);
@@ -121,8 +121,8 @@ final class PostMortem {
         return Run.of(name, request, events, new Stopwatch(), null, Ran.NONE);
     }
 
-    // Returns the last run if it began after this time and its processing was recorded; else null. Such a run
-    // exists if destroying the client crashed.
+    // Returns the last run if it has a result and its call of processImage began after `time`; else null.
+    // Such a run exists if the process died while it destroyed the client.
     private Path endedSince(long time) throws IOException {
         List<Path> runs = runs();
         if (runs.isEmpty()) {
@@ -159,7 +159,8 @@ final class PostMortem {
         }
     }
 
-    // Adds the events to the folder of the unfinished run and returns that folder; null if there is none.
+    // Adds events and pixels to the folder of the unfinished run. Returns that folder, or null if there is no
+    // unfinished run.
     private Path completeLastRun() throws IOException {
         Path events = WorkFolder.events();
         Path last = null;

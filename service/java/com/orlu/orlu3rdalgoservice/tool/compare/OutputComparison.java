@@ -83,8 +83,8 @@ public final class OutputComparison {
         return file;
     }
 
-    // Returns the difference as text; empty if pixels differ, but by at most the tolerance. If all
-    // pixels are equal, the tolerance has no effect.
+    // Describes how the bytes differ. Returns "" if pixels differ by at most the tolerance; other bytes are
+    // then ignored. If all pixels are equal, reports the other bytes, whatever the tolerance.
     private String pixels(int index, ImageLayout image, byte[] one, byte[] other, double tolerance)
             throws MistakeException, IOException {
         int at = Arrays.mismatch(one, other);

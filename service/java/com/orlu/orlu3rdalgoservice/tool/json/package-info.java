@@ -1,2 +1,2 @@
-/** JSON: a tree of values with their positions in the file, and its reader. */
+/** A tree of JSON values with their positions in the file, and the reader that builds it. */
 package com.orlu.orlu3rdalgoservice.tool.json;

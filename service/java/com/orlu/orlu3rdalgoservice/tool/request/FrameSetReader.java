@@ -26,7 +26,7 @@ final class FrameSetReader {
 
     private final Json mField;
     private final Mistakes mMistakes;
-    /** Fields with invalid values: common fields are read for each frame, but reported once. */
+    /** Fields with reported mistakes: a common field is read for each frame, but reported only once. */
     private final Set<Json> mWrong = Collections.newSetFromMap(new IdentityHashMap<>());
 
     private FrameSetReader(Json field) {
@@ -82,7 +82,8 @@ final class FrameSetReader {
                 mMistakes.attempt(() -> shift(own), null));
     }
 
-    // Reads one number for all frames, or a list with a number for each frame.
+    // Returns the number for frame `index`. The field is one number for all frames, or a list with a number
+    // for each frame; `fallback` applies if the number is missing or wrong.
     private double ofFrame(Json set, String name, int index, double most, double fallback) {
         if (!set.has(name) || !set.get(name).isList()) {
             return set.number(name, 0, most, fallback);

@@ -12,7 +12,7 @@ import java.util.Set;
 import java.util.concurrent.ConcurrentHashMap;
 import java.util.stream.Stream;
 
-/** Runs this command in a separate process, which may use other libraries or an emulator, and may crash. */
+/** Runs ./run in a separate process, which may use other libraries or an emulator, and may crash. */
 public final class ChildRun {
     private static final String NATIVE_LIBRARY = "liborlu.vas.native.interface.so";
     private static final String RECORDINGS = "recordings";
