@@ -1,5 +1,5 @@
-// Benchmark of requests with and without the probe, alternately. The algorithm library calls back at once, so
-// this is the largest relative cost of the probe.
+// Benchmark of the probe: runs each request alternately without and with the probe. The algorithm library
+// calls back at once, so the measured ratio is the largest relative cost of the probe.
 
 #include <unistd.h>
 
@@ -24,7 +24,7 @@ void watchTable(AlgoInterfaceCallbacks* table) {
   *table = probe::watchedTable(*table, recorder());
 }
 
-// Makes the probe write its events to this file, or only forward calls if the name is "".
+// Makes the probe write its events to `file`. If `file` is "", the probe only forwards calls.
 void writeEventsTo(const char* file) {
   setenv("ORLU_EVENTS", file, 1);
   recorder().open();

@@ -1,5 +1,5 @@
-// Receives the callbacks of one client, which the cookie identifies. Wakes the thread that waits for a
-// request, or calls Java.
+// Receives the callbacks of one client. Requests identify this object by its cookie. A callback wakes the
+// thread that waits for the request, or calls Java.
 #pragma once
 
 #include <jni.h>
@@ -29,8 +29,8 @@ public:
   JNIEnv* environment() const;
 
   // Ends the client's callbacks: later callbacks are counted and ignored, running callbacks finish as usual.
-  // Releases the callback class, or leaves that to the last callback that is inside Java. If `env` is null,
-  // the class stays referenced.
+  // Releases the callback class. If callbacks are inside Java, the last of them releases the class instead.
+  // Otherwise, if `env` is null, the class stays referenced.
   void close(JNIEnv* env);
 
   // See AlgoNativeClient for these functions.
@@ -56,8 +56,9 @@ private:
   JNIEnv* callbackEnv(const char* operation) const;
   // Handles the library's callback for a request. The request may be finished already.
   void handleShot(uint64_t nativeReq, AlgoNativeContext& context, const char* operation);
-  // Tells Java that it may finish a full-async request. If Java can't be reached, logs that; the request
-  // is then finished when its client is destroyed. Returns false if setAnnounced() failed or was not called.
+  // Tells Java that it may finish a full-async request. If Java can't be called or the call fails, logs
+  // that; the request is finished when its client is destroyed. Returns true if setAnnounced() has marked the
+  // request, even if the call to Java fails.
   bool announceCommonShot(uint64_t nativeReq, AlgoNativeContext& context, const char* operation);
   // Calls Java with a map that contains the id. Returns false if the map can't be created or the call threw.
   bool callWithAddress(JNIEnv* env, uint64_t nativeReq, int64_t reqId, const char* operation) const;

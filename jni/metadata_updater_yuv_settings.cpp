@@ -63,7 +63,7 @@ void writeUserSettings(Shot& shot) {
   shot.copy<Ints<10>>("orlu.control.3dLightParams", kParameter, "light_3d_params");
 }
 
-// `hdrFrames` are indices among the master frames.
+// `hdrFrames` contains indices into `masters`.
 void writeHdrGains(Shot& shot, const FrameList& masters, const HdrFrameIndex& hdrFrames) {
   HdrExposures exposures;
   const int count = std::min(masters.size(), static_cast<int>(kHdrSlots));
@@ -84,8 +84,8 @@ void writeCrop(Shot& shot) {
   shot.copy<int32_t>("orlu.control.refocus_level", kControl, "refocus_level");
 }
 
-// True for algorithms that use the shot's exposure, for front cameras in extreme mode, and for shots with HD
-// faces.
+// Returns true if the list has an algorithm that uses the shot's exposure, if a front camera is in extreme
+// mode, or if the shot has HD faces.
 bool needsShotGains(const Shot& shot, int32_t hdFaceNum) {
   const auto extremeFront = shot.readBack<int32_t>(kControl, "is_extreme_front");
   const auto facing = shot.readBack<int32_t>(kSensor, "camera_facing");
@@ -133,10 +133,11 @@ void writeDocument(Shot& shot) {
   LOGD_BARE(kShortLogTag, "orlu.control.document.pack %d", pack);
 }
 
-// The keys are spelled "sport", and the count is written as an array as long as the tag (Oddity 32).
+// The keys are spelled "sport". The count is the first element of an array that is as long as the tag; the
+// array's other elements are 0 (Oddity 32).
 void writeBrightSpots(Shot& shot) {
   const auto spots = shot.readOr<Floats<1 + 2 * kBrightSpots>>("orlu.control.bright_spot");
-  // The count is passed on unchanged, even if it exceeds the table (Oddity 33).
+  // The count is passed on unchanged, even if it exceeds kBrightSpots (Oddity 33).
   const int32_t count = toInt(spots[0]);
   Floats<2 * kBrightSpots> points = {};
   std::copy_n(&spots[1], 2 * std::clamp(count, 0, kBrightSpots), points.begin());
@@ -176,7 +177,8 @@ void MetadataUpdater::updateYuvFormat() {
   writeBrightSpots(mShot);
 }
 
-// Regions that can't be converted are passed on as read. The focus region's weight is not passed on.
+// If a region can't be converted, the tag's region is passed on unchanged. The focus region's weight is not
+// passed on.
 void MetadataUpdater::updateRegions() {
   MeteringRegion af = mShot.focusRegion();
   setVAFAfRegionShot(af.rect);

@@ -64,7 +64,8 @@ protected:
   void* mBlock = nullptr;  // the newest request's parameter block
 };
 
-// setRaw is the last call before process. The library knows the cookie from the previous request.
+// The algorithm library calls back inside setRaw, the last operation before process. The library knows the
+// cookie from the previous request.
 TEST_F(LifetimesTest, CallsBackBeforeProcess) {
   mAlgo.script.callbacks = 0;
   create();
@@ -99,8 +100,8 @@ TEST_F(LifetimesTest, CallsBackBeforeProcess) {
   }
 }
 
-// Java is not notified. The client's destruction must finish the request; Java can finish it if it knows the
-// id from elsewhere.
+// The call that tells Java of a finished request fails. Destroying the client must finish the request, unless
+// Java knows the id from elsewhere and finishes the request first.
 TEST_F(LifetimesTest, AnAnnouncementFails) {
   mAlgo.script.callbacks = 0;
   for (const char* failing : {"NewObjectV", "FindClass", "CallStaticVoidMethodV"}) {
@@ -231,7 +232,7 @@ TEST_F(LifetimesTest, JavaFinishesARequestAtAnyMoment) {
           callBack(cookie, mSubmitted.nativeReq);
           create();
         }
-        // If the request is already finished, its id is unknown.
+        // Has no effect if the request is already finished: the id is unknown.
         finish();
         EXPECT_EQ(1, std::count(mDestroyed.begin(), mDestroyed.end(), mBlock));
         destroy();
@@ -273,7 +274,8 @@ TEST_F(LifetimesTest, ManyThreadsFinishOneRequest) {
   }
 }
 
-// The JNI environment is looked up, and its absence logged, before the algorithm library destroys its client.
+// On a thread without a JNI environment, the destructor logs this error before it destroys the algorithm
+// library's client.
 TEST_F(LifetimesTest, LooksForTheEnvironmentFirst) {
   create();
   mLog.clear();

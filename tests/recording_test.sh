@@ -93,7 +93,7 @@ wait $!
 [ -z "$(ls stopped)" ] || fail "left behind: $(find stopped)"
 
 echo "== The tag that causes a difference"
-# Three frames, because each trial translates all of them.
+# Only three frames, to save time: each trial translates all frames.
 sed -e "s#photos/#$root/samples/&#" -e 's/"count": 7/"count": 3/' "$root/samples/night.json" >plain.json
 grep -q '"count": 3' plain.json || fail "the number of frames is not set"
 sed -e 's/"android.jpeg.orientation": 0/"android.jpeg.orientation": 90/' \
@@ -110,11 +110,11 @@ done
 mkdir short && cp -r turns/000001-request-101 short
 ends 1 '^different: 1 requests / 2; nothing to compare with turns/000002-request-101$' diff short turns
 grep -q '^short/.* / turns/000001-request-101: equal, 129 parameters' out || fail "not compared: $(cat out)"
-# If no tag differs, the tags that the parameter depends on are still named, with their frames.
+# If a parameter differs but no tag does, diff still names the tags that it depends on, with their frames.
 sed -e 's/"algorithms"/"properties": {"persist.sys.camera3rd.autotest": "1"}, &/' plain.json >tested.json
 ends 1 'control/auto_test_open: ' diff plain.json tested.json
 grep -A1 'control/auto_test_open: ' out | grep -q 'it depends on frame 0 orlu.control.wm_waterMark_v3$' || fail "the tag is not named: $(cat out)"
-# A tag that differs in all frames takes one line. Lines have at most 110 columns.
+# A tag that differs in all frames is printed on one line. Lines have at most 110 columns.
 sed 's/"android.sensor.sensitivity": 3200/"android.sensor.sensitivity": 1600/' plain.json >brighter.json
 ends 1 'note: frames 0 to 2 were given android.sensor.sensitivity = ' diff plain.json brighter.json
 ! grep -E '.{111}' out || fail "longer than 110 columns"

@@ -16,10 +16,11 @@ public:
   Frame& operator=(Frame&&) = delete;
   ~Frame();
 
-  // Maps as much memory as the record reports, but not more than the descriptor has. Returns 0, or -1 if
-  // there is no descriptor or memory, or if mapping fails.
+  // Maps the size that info() reports, but at most the size of the descriptor's file. Returns 0, also if the
+  // memory is already mapped. Returns -1 if there is no descriptor, if either size is not positive, or if
+  // mapping fails.
   int map(Access access);
-  // Releases memory and descriptor. Only the record remains.
+  // Unmaps the memory and closes the descriptor. Only info() remains valid.
   void release();
   // Gets the planes in the mapped memory. Returns false if nothing is mapped or the planes do not fit.
   bool view(ImageView& view) const;

@@ -30,8 +30,8 @@ extern "C" JNIEXPORT jlong JNICALL Java_android_hardware_HardwareBuffer_nCreate(
   return static_cast<jlong>(reinterpret_cast<uintptr_t>(buffer));
 }
 
-// Creates a buffer around a handle of `words`, and takes ownership of the first `numFds` words, which are
-// descriptors. Returns the buffer's address; 0 on failure.
+// Creates a buffer whose native handle consists of `words`. The first `numFds` words are descriptors, and the
+// buffer takes ownership of them. Returns the buffer's address; 0 on failure.
 extern "C" JNIEXPORT jlong JNICALL Java_android_hardware_HardwareBuffer_nFromHandle(JNIEnv* env, jclass,
                                                                                     jint width, jint height,
                                                                                     jint format, jint numFds,

@@ -1,5 +1,5 @@
-// The texts in golden/logs: all log lines with a prefix. The prefix names an operation; engineers search the
-// log for this name, so a helper function's name must not replace it.
+// The texts in golden/logs: the formats of all log lines that have a prefix. The prefix names an operation.
+// Engineers search the log for this name, so a helper function's name must not replace it.
 #pragma once
 
 #include <string>
@@ -15,10 +15,11 @@ public:
   // Reads all texts. Throws std::runtime_error, with the file and the line, on syntax errors.
   LogTexts();
 
-  // Marks the texts of these lines as seen; ignores lines without a prefix. Prints lines without a text to
-  // standard error: each cut before its first number, without duplicates. Returns true if all have a text.
+  // Marks the texts that match these lines as seen; ignores lines without a prefix. Returns true if every
+  // other line matches a text. Prints the lines that match none to standard error, each cut before its first
+  // number, without duplicates.
   bool haveAll(const std::vector<LogLine>& lines);
-  // Returns a class's texts that haveAll() has not seen.
+  // Returns the texts of a class that haveAll() has not marked as seen.
   std::vector<GoldenLine> unseen(const std::string& clazz) const;
 
 private:

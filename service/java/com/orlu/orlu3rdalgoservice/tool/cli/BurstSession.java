@@ -152,7 +152,8 @@ final class BurstSession {
         }
     }
 
-    // A callback names only the native id, which the begin event of process maps to the request's id.
+    // A callback's event contains only the native id. The begin event of process contains the native id
+    // and the request's id.
     private void checkCallbacks(RequestFile request, Burst burst, RecordedEvents events) {
         Map<Long, Long> current = new HashMap<>();
         Map<Long, Integer> counts = new LinkedHashMap<>();
@@ -208,7 +209,7 @@ final class BurstSession {
         }
     }
 
-    // A descriptor may have been closed since it was listed.
+    // Returns false if the descriptor was closed after it was listed.
     private static boolean isImage(Path descriptor) {
         try {
             return Files.readSymbolicLink(descriptor).toString().startsWith("/memfd:");

@@ -23,7 +23,11 @@ public final class Readings {
     private final Map<Key, Reading> mReadings = new LinkedHashMap<>();
     private final Dependences mDependences;
 
-    /** Takes the requested class of each composition value from `dependences`, which may be unknown. */
+    /**
+     * Creates the readings from the events of look-ups and from the frames' tags. Events of composition
+     * look-ups don't contain the class that the library requests, so `dependences` provides it.
+     * With Dependences.unknown(), the classes of composition values are not checked.
+     */
     Readings(RecordedEvents events, List<FramePlan> frames, Dependences dependences) {
         mDependences = dependences;
         events.events("lookup").forEach(this::add);
@@ -38,7 +42,7 @@ public final class Readings {
         }
     }
 
-    /** Returns the readings of a run whose look-ups were recorded. */
+    /** Returns the readings of a run whose look-ups were recorded. `dependences` may be null. */
     public static Readings of(Run run, Dependences dependences) {
         return new Readings(run.events(), run.request().frames().frames(),
                 dependences != null ? dependences : Dependences.unknown("no trials were made"));
@@ -86,7 +90,7 @@ public final class Readings {
             return;
         }
         if (!inComposition) {
-            // The composition was searched first and did not have the tag.
+            // Removes the composition's reading: the composition was searched first and did not have the tag.
             mReadings.computeIfPresent(
                     new Key(frame, tag, true), (key, reading) -> reading.is(Outcome.ABSENT) ? null : reading);
         }

@@ -6,7 +6,7 @@ import com.orlu.orlu3rdalgoservice.tool.tags.PixelFormat;
 
 import java.nio.ByteBuffer;
 
-/** Writes a picture to memory in the format of an image. Chroma is subsampled 2x2, as in JPEG files. */
+/** Writes a picture to memory in the format of an ImagePlan. Chroma is subsampled 2x2, as in JPEG files. */
 final class PixelWriter {
     private static final float JPEG_QUALITY = 0.95f;
     private static final int MIDDLE = 128;
@@ -66,7 +66,7 @@ final class PixelWriter {
         return (x, y, sample) -> to.putShort(y * stride + 2 * x, (short) sample);
     }
 
-    // Four samples have five bytes: the upper eight bits of each sample, then the lower two bits of all four.
+    // Five bytes store four samples: the upper eight bits of each, then the lower two bits of all four.
     private static void putPacked10(ByteBuffer to, int row, int x, int sample) {
         int group = row + x / 4 * 5;
         int low = group + 4;

@@ -7,8 +7,8 @@ import java.util.HexFormat;
 import java.util.List;
 
 /**
- * One line of an events file, which is untrusted: an absent, null or invalid field reads as "", 0, false or
- * empty.
+ * One line of an events file. The file is untrusted: for an absent, null or invalid field, the getters return
+ * "", 0, false, or an empty list or array.
  */
 public record Event(Json fields) {
     /** The names of callbacks. */
@@ -52,13 +52,13 @@ public record Event(Json fields) {
         return fields.has(name) && !fields.get(name).isNull();
     }
 
-    /** A text; a number or boolean is converted. */
+    /** Returns a field as text. Converts a number or boolean to text. */
     public String text(String name) {
         Json field = fields.get(name);
         return field == null || field.isNull() || field.isList() || field.isObject() ? "" : field.text();
     }
 
-    /** A number, or a handle in hexadecimal. */
+    /** Returns a field as a number. Accepts a handle in hexadecimal, such as "0x7f10". */
     public long number(String name) {
         Json field = fields.get(name);
         if (field != null && field.isString() && field.text().matches(HANDLE)) {

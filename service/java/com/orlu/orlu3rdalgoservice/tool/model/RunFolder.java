@@ -27,7 +27,7 @@ public final class RunFolder {
     public static final String REQUEST = "request.json";
     public static final String OUTCOME = "outcome.json";
     public static final String EVENTS = "events.jsonl";
-    /** The file of a recording of version 1. */
+    /** A file that only recordings of version 1 contain. */
     private static final String OLD = "recording";
     private static final int MOST_EVENT_BYTES = 1 << 25;
 
@@ -112,7 +112,10 @@ public final class RunFolder {
                 mistakes.lines());
     }
 
-    /** The problem of the events file that an outcome names; empty if the file is complete or not named. */
+    /**
+     * Checks the events file that the outcome names. Returns the problem as text; "" if the file is complete
+     * or the outcome names no file.
+     */
     static String eventsProblem(Path folder, Json outcome) {
         try {
             Json events = outcome.get("events");
@@ -127,7 +130,10 @@ public final class RunFolder {
         }
     }
 
-    /** Reads a finished file of events, up to the first line that is cut or damaged. */
+    /**
+     * Reads an events file that nobody writes any more. Stops at the first cut or damaged line. Returns no
+     * events if the file does not exist.
+     */
     public static RecordedEvents events(Path file) throws MistakeException {
         RecordedEvents events = new RecordedEvents();
         if (!RecordedFile.isRegular(file)) {
@@ -172,9 +178,11 @@ public final class RunFolder {
     }
 
     /**
-     * Completes the folder of a run whose process died: copies the run's events from the file `events`, and
-     * the pixels that they name from the folder `pixels` unless that is null. Returns false if the folder
-     * needs no completion, lacks its request or its events' offset, or has an invalid file (reported).
+     * Completes the folder of a run whose process died. Copies the run's events: those in the file `events`
+     * from the offset that request.json states. Copies the pixel files that these events name from the folder
+     * `pixels`, which may be null. Returns false if the folder already has an outcome or events, if
+     * request.json is missing or states no offset, or if a file is invalid; prints the error for an invalid
+     * file.
      */
     public static boolean complete(Path folder, Path events, Path pixels) throws IOException {
         Path file = folder.resolve(REQUEST);

@@ -15,7 +15,7 @@ import java.lang.reflect.Array;
 import java.util.HexFormat;
 import java.util.StringJoiner;
 
-/** Tests which Java object a typed value becomes, at and beyond its bounds. */
+/** Tests the conversion of typed JSON values to Java objects, at and beyond the bounds of each type. */
 public final class TagValuesTest {
     private static String text(Object value) {
         if (value instanceof byte[] bytes) {
@@ -45,7 +45,7 @@ public final class TagValuesTest {
                 ? "%d,%d,%d,%d".formatted(rect.left, rect.top, rect.right, rect.bottom) : "" + value;
     }
 
-    // The rows omit the quotes around names.
+    // Converts a row to JSON: quotes the names, and replaces single quotes by double quotes.
     private static String quoted(String json) {
         return json.replace('\'', '"').replaceAll("([{ ])([a-z0-9]+):", "$1\"$2\":");
     }
