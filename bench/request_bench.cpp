@@ -1,4 +1,5 @@
-// Times four shots, with and without tags, synchronous and full-async, and the JNI calls of each alone.
+// Times four shots, each with and without tags, as a synchronous and as a full-async request. Also times the
+// JNI calls of each request alone.
 
 #include "benches.h"
 #include "counts.h"

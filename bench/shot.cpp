@@ -30,7 +30,7 @@ std::vector<jobject> elementsOf(jobject array) {
   return elements;
 }
 
-// Reads the frames of a request file with the code that ./run uses.
+// Reads a request file as ./run does, and returns its frames.
 std::vector<jobject> sampleFrames(const std::string& sample) {
   const std::string path = std::string(ORLU_BENCH_SAMPLES) + sample;
   jobject file =
@@ -60,7 +60,7 @@ jobject sampleComposition(jobject frame) {
   return composition;
 }
 
-// Returns a value of this type that enables nothing; null for rarely used types.
+// Returns a zero or empty value of this type, which enables no feature; null for rarely used types.
 jobject zeroOf(const std::string& type) {
   if (type == "INT") return test::javaInt(0);
   if (type == "LONG") return test::javaLong(0);
@@ -79,7 +79,7 @@ std::string typeName(const std::string& tag) {
   return test::stringOf(test::callObject(type, "name", "()Ljava/lang/String;"));
 }
 
-// Registers a tag that the library never reads, like a camera's private tags.
+// Registers an int tag that the library never reads, in place of a camera's private tag.
 void registerUnread(const std::string& tag) {
   constexpr char kTable[] = "android/hardware/camera2/impl/TagTable";
   constexpr char kType[] = "android/hardware/camera2/impl/TagType";
@@ -90,7 +90,7 @@ void registerUnread(const std::string& tag) {
              test::javaString(tag), integer);
 }
 
-// Returns a capture result with `tagNum` tags: known tags first, then private tags.
+// Returns metadata with `tagNum` tags: first known tags, then tags that the library never reads.
 jobject reportOf(int tagNum) {
   jobject report = test::newMetadata();
   jobject names = staticCall("android/hardware/camera2/impl/TagTable", "names", "()Ljava/util/Set;");
@@ -134,7 +134,7 @@ void Shot::makeCompositions() {
   addService(mCompositions.front());
 }
 
-// Adds the service's own entries, even if the plan has no tags.
+// Adds the entries that the service itself sets. A plan without tags has them, too.
 void Shot::addService(jobject composition) {
   test::putKey(composition, "isFullAsync", test::javaInt(mPlan.isFullAsync ? 1 : 0));
   test::putKey(composition, "orlu.control.algoType", test::javaStrings(mPlan.algorithms));

@@ -12,14 +12,14 @@
 namespace orlu::bench {
 
 struct ShotPlan {
-  std::string sample;  // the request file with the tags
-  int frames = 1;      // the sample's frames, repeated up to this number
+  std::string sample;  // the request file, in samples/, with the tags
+  int frames = 1;      // number of frames; the sample's frames repeat if it has fewer
   int inputsPerFrame = 1;
   std::vector<std::string> algorithms;
   const char* format = "NV21";
   const char* outputFormat = "JPEG";
-  bool hardwareBuffers = true;  // otherwise shared memory
-  bool withTags = true;         // otherwise every tag is absent
+  bool hardwareBuffers = true;  // false: shared memory
+  bool withTags = true;         // false: no tags, unless tagNum is set
   bool isFullAsync = false;
   int tagNum = -1;  // number of tags in each frame's capture result; -1: the sample's tags
 

@@ -16,8 +16,8 @@ bool isMainCamera(std::string_view type, int32_t satRole) {
          (type == "SAT" && satRole == kSatRoleMain);
 }
 
-// Returns the bit number of a camera other than the main one. A camera without a bit of its own, such as the
-// one for zoom ratio 5.0, gets bit 0.
+// Returns the number of the bit in "vaf_camera_role" for a camera that isn't a main camera. Cameras without
+// their own bit, such as the one for zoom ratio 5.0, get bit 0.
 int roleBit(std::string_view type, int32_t satRole) {
   const bool isSat = type == "SAT";
   if (type == "Tele" || type == "Tele2.5X" ||

@@ -1,4 +1,4 @@
-// One value for each frame of a request, or for some of them.
+// A list of one value for each frame of a request, or for some of the frames.
 #pragma once
 
 #include <array>
@@ -7,7 +7,7 @@
 
 namespace orlu {
 
-// Uses no heap memory for a usual number of frames.
+// Uses heap memory only if the capacity exceeds kUsual.
 template <typename T>
 class FrameValues {
 public:

@@ -2,8 +2,8 @@
 # Static checks; every finding is an error.
 #   scripts/lint.sh              all checks
 #   scripts/lint.sh shell java   only these checks
-# cpp: clang-tidy with .clang-tidy; headers: each compiles alone; shell: shellcheck; java: the Eclipse compiler with
-# scripts/ecj.prefs; android_bp: the platform's own formatter and parser.
+# cpp: clang-tidy with .clang-tidy; headers: compiles each header alone; shell: shellcheck; java: the Eclipse
+# compiler with scripts/ecj.prefs; android_bp: the platform's own formatter and parser.
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 cd "$root"
@@ -12,9 +12,9 @@ source scripts/lib.sh
 readonly checks=(cpp headers shell java android_bp)
 readonly build=build/dev
 
-# Checks every source that is compiled for this machine, with one process per processor. The builds only need
-# to be configured. Unknown warning options are ignored, because some exist only in GCC. Timed benchmarks are
-# left out: clang-tidy reports the loops of their library as dead stores and leaks.
+# Checks every source that is compiled for this machine, with one process per processor. Configures the builds
+# but compiles nothing. Ignores unknown warning options, because some exist only in GCC. Leaves out the timed
+# benchmarks: clang-tidy reports the loops of the benchmark library as dead stores and leaks.
 lint_cpp() {
   local preset source
   local -A preset_of=()
@@ -34,7 +34,8 @@ lint_cpp() {
 
 lint_headers() { build_preset dev --tests headers_alone; }
 
-# Sourced files and the scripts that source them share variables.
+# Ignores variables of sourced files that seem unused or never set: the files share them with the scripts that
+# source them.
 lint_shell() {
   local file scripts=() sourced=()
   while IFS= read -r file; do
@@ -59,8 +60,8 @@ lint_java() {
   done
 }
 
-# The test android_bp compares Android.bp with CMake's sources, and reads Android.bp with a parser of its own.
-# This function compares that parser with the platform's parser.
+# The test android_bp compares Android.bp with CMake's sources. This function checks the formatting of
+# Android.bp and the test's own parser, which must find the same modules as the platform's parser.
 lint_android_bp() {
   local unformatted
   unformatted=$(bpfmt -l Android.bp)

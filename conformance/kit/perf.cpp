@@ -23,9 +23,9 @@ namespace {
 constexpr char kCopy[] = "copy";  // a request without an algorithm
 constexpr int kRepeats = 9;
 constexpr int kMostSeconds = 3600;
-// Fraction of a row's time; smaller changes come from caches and clocks.
+// Changes up to this fraction of the baseline's time are ignored: caches and clocks cause them.
 constexpr double kLeastChange = 0.05;
-constexpr double kNoises = 4;  // a change is significant if it exceeds the noise by this factor
+constexpr double kNoises = 4;  // changes up to this multiple of both rows' noise are ignored
 constexpr std::array<std::array<int32_t, 2>, 3> kSizes = {
     {{640, 480}, {1920, 1080}, {4080, 3072}}
 };
@@ -40,7 +40,7 @@ std::string jsonOf(const PerfRow& row) {
   return text;
 }
 
-// Returns the rest of a JSON line from the value of `name` on; "" if the name is absent.
+// Returns the end of a JSON line, beginning with the value of `name`; "" if the name is absent.
 std::string valueOf(const std::string& line, const std::string& name) {
   const std::string before = '"' + name + "\": ";
   const size_t found = line.find(before);
@@ -63,7 +63,8 @@ std::optional<PerfRow> rowOf(const std::string& line) {
   return row;
 }
 
-// Reads a line such as "VmHWM:    1234 kB" of /proc/self/status. Returns 0 if it is absent.
+// Returns the number in the line of /proc/self/status that begins with `name`, such as "VmHWM:    1234 kB";
+// 0 if the line is absent.
 int64_t kilobytesOf(const std::string& name) {
   std::ifstream status("/proc/self/status");
   for (std::string line; std::getline(status, line);) {
@@ -131,7 +132,7 @@ private:
   uint64_t mLast = 0;
 };
 
-std::vector<std::string> gWanted;  // all if empty
+std::vector<std::string> gWanted;  // algorithms to measure; all if empty
 
 bool isWanted(const std::string& algorithm) {
   return gWanted.empty() || std::find(gWanted.begin(), gWanted.end(), algorithm) != gWanted.end();
@@ -150,7 +151,7 @@ void measureAll() {
   }
 }
 
-// Parses names separated by commas. Returns the first unknown name, or "".
+// Adds names, separated by commas, to gWanted. Returns the first unknown name, or "".
 std::string want(const std::string& algorithms) {
   std::istringstream list(algorithms);
   for (std::string name; std::getline(list, name, ',');) {
@@ -177,8 +178,8 @@ const PerfRow* find(const std::vector<PerfRow>& rows, const PerfRow& wanted) {
   return found == rows.end() ? nullptr : &*found;
 }
 
-// Returns the relative change of the time since `before`; 0 if the change is at most kNoises times the noise
-// of both rows, or at most the fraction kLeastChange.
+// Returns the change from `before` to `row` as a fraction of the time in `before`. Returns 0 if the change is
+// at most kNoises times the sum of both rows' noise, or at most the fraction kLeastChange.
 double change(const PerfRow& row, const PerfRow& before) {
   const double by = row.milliseconds - before.milliseconds;
   const double noise = std::max(kNoises * (row.noise + before.noise), kLeastChange * before.milliseconds);

@@ -19,19 +19,19 @@ inline void require(bool holds) {
   if (!holds) std::abort();
 }
 
-// Consumes an input from its front.
+// A fuzz target's input. text() and byte() remove the bytes that they return.
 class Input {
 public:
   Input(const uint8_t* data, size_t size) : mRest(reinterpret_cast<const char*>(data), size) {}
 
   const std::string_view& rest() const { return mRest; }
-  // Returns at most `most` bytes; fewer at the end of the input.
+  // Returns the next `most` bytes; fewer at the end of the input.
   std::string text(size_t most) {
     std::string bytes(mRest.substr(0, most));
     mRest.remove_prefix(bytes.size());
     return bytes;
   }
-  // Returns 0 past the end.
+  // Returns the next byte; 0 past the end.
   uint8_t byte() { return static_cast<uint8_t>(*text(1).c_str()); }
 
 private:

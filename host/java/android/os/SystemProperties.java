@@ -16,7 +16,7 @@ public final class SystemProperties {
         nSet(Objects.requireNonNull(key), value == null ? "" : value);
     }
 
-    /** Returns the value of a property. If unset or empty, returns {@code def}, or "" if that is null. */
+    /** Returns a property's value. If it is unset or empty, returns {@code def}, or "" for a null default. */
     public static String get(String key, String def) {
         String value = nGet(Objects.requireNonNull(key));
         return value.isEmpty() && def != null ? def : value;

@@ -94,7 +94,7 @@ final class HostileValues {
                 : new Rect(anInt(), anInt(), anInt(), anInt());
     }
 
-    /** Returns a value of any class, or null. */
+    /** Returns null, an Object, a list, an array with some null elements, or a value of a random tag type. */
     Object anything() {
         return switch (below(6)) {
             case 0 -> null;
@@ -105,7 +105,7 @@ final class HostileValues {
         };
     }
 
-    /** Returns a value of the class in which a tag of this type is stored. */
+    /** Returns a random value of the class that stores tags of this type. */
     Object valueOf(TagType type) {
         return one(type.stored());
     }
@@ -125,7 +125,7 @@ final class HostileValues {
 
     private Object array(Class<?> component, int length, int percentOfNulls) {
         Object array = Array.newInstance(component, length);
-        // After a hundred elements, the last value is repeated, so that a long array is cheap to create.
+        // The hundredth element is repeated to the end, so that a long array is cheap to create.
         Object last = null;
         for (int i = 0; i < length; i++) {
             if (i < 100) {
@@ -136,7 +136,7 @@ final class HostileValues {
         return array;
     }
 
-    /** Like valueOf(), but arrays of numbers other than bytes are boxed and may contain nulls. */
+    /** Like valueOf(), but int, long, float and double arrays become arrays of boxed values and nulls. */
     Object boxed(TagType type) {
         Class<?> element = BOXES.get(type.stored());
         return element == null ? valueOf(type) : array(element, length(), below(30));

@@ -66,7 +66,8 @@ public final class ImageBuffer implements AutoCloseable {
         }
     }
 
-    // A phone's buffer with padded rows or an unknown format is replaced by a BLOB buffer of the same size.
+    // Creates a buffer like the phone's. If the phone's buffer has padded rows or an unknown format, creates
+    // a BLOB buffer of the same size instead.
     private static HardwareBuffer recordedBuffer(ImageLayout layout) {
         long width = layout.buffer()[0];
         long height = layout.buffer()[1];
@@ -87,7 +88,7 @@ public final class ImageBuffer implements AutoCloseable {
                 : HardwareBuffer.create((int) width, (int) height, format, 1, usage());
     }
 
-    /** Allocates memory for an image as a recorder described it, and fills it with any recorded bytes. */
+    /** Allocates memory for an image as a recorder described it. Copies any recorded bytes into it. */
     public static ImageBuffer recorded(ImagePlan plan) throws ErrnoException, MistakeException {
         byte[] bytes = plan.layout().bytes();
         ImageBuffer image = new ImageBuffer(plan, plan.layout());
@@ -123,8 +124,8 @@ public final class ImageBuffer implements AutoCloseable {
     }
 
     /**
-     * Allocates zeroed memory for an output. A JPEG whose plan has no capacity gets 1.5 bytes per pixel and a
-     * reserve.
+     * Allocates zeroed memory for an output. For a JPEG without a planned or recorded size, allocates 1.5
+     * bytes per pixel plus a reserve.
      */
     public static ImageBuffer empty(ImagePlan plan) throws ErrnoException, MistakeException {
         if (plan.layout() != null) {
@@ -172,7 +173,7 @@ public final class ImageBuffer implements AutoCloseable {
         return mDescriptor;
     }
 
-    /** The memory from byte 0; valid until the image is closed. */
+    /** The image's whole memory; valid until the image is closed. */
     public ByteBuffer bytes() {
         return mBytes;
     }

@@ -15,7 +15,7 @@ final class PixelReader {
     private PixelReader() {
     }
 
-    /** Whether all planes that `plan` describes fit into `capacity` bytes. */
+    /** Returns whether all planes that `plan` describes fit into `capacity` bytes. */
     static boolean fits(ImagePlan plan, int capacity) {
         if (plan.width() < 1 || plan.height() < 1
                 || (long) plan.strideBytes() * plan.height() * 3 / 2 > Integer.MAX_VALUE) {
@@ -28,7 +28,10 @@ final class PixelReader {
         return end <= capacity;
     }
 
-    /** Returns the picture (YUV or RGBA) that `plan` describes; valid as long as the memory `from`. */
+    /**
+     * Returns the YUV or RGBA picture that `plan` describes. The picture reads its rows from `from`, which
+     * must stay valid while the picture is used.
+     */
     static PixelRows picture(ImagePlan plan, ByteBuffer from) {
         YuvLayout layout = plan.format().isYuv() ? YuvLayout.of(plan) : null;
         if (layout == null && plan.format() != PixelFormat.R8G8B8A8) {

@@ -94,7 +94,7 @@ public final class PictureFile {
         return mHeight;
     }
 
-    /** Decodes the picture, in the colours and bit depth of the file. */
+    /** Decodes the picture. Keeps the file's colours and bit depth. */
     public BufferedImage decode() throws IOException {
         return with(mPath.toFile(), reader -> reader.read(0));
     }
@@ -128,7 +128,7 @@ public final class PictureFile {
                 reader.dispose();
             }
         } catch (RuntimeException e) {
-            // The decoders throw these for damaged files.
+            // The decoders throw RuntimeExceptions for damaged files.
             throw new IOException("damaged: " + Printable.message(e), e);
         }
     }

@@ -8,10 +8,10 @@ import java.util.Map;
 /**
  * A breach of the contract between the service and the algorithm library.
  *
- * @param by    the side that broke it
+ * @param by    the side that broke the contract
  * @param kind  a machine-readable name, such as "dead-client"
  * @param event the first event that shows the breach
- * @param count how often the operation's events showed the breach
+ * @param count how often events of the same operation showed the same breach
  */
 public record Breach(Side by, String kind, Event event, String expected, String found, int count) {
     /** The two sides of the contract. */

@@ -17,12 +17,12 @@ public final class Enumerations {
     private Enumerations() {
     }
 
-    /** The value with this name; -1 if there is none. A tag without a row counts as a flag. */
+    /** Returns the tag's value with this name, or -1. A tag without a row is treated as a flag. */
     public static int number(String tag, String name) {
         return NAMES.getOrDefault(tag, FLAG).indexOf(name);
     }
 
-    /** The names of a tag's values 0, 1, ...; empty for a tag without a row. */
+    /** Returns the names of a tag's values 0, 1, ...; an empty list for a tag without a row. */
     public static List<String> names(String tag) {
         return NAMES.getOrDefault(tag, List.of());
     }

@@ -29,27 +29,27 @@ public final class TextLayout {
         mColumns = columns;
     }
 
-    /** Prints lines of any length if `wide`, else as wide as a terminal. */
+    /** Limits lines to the width of a terminal, unless `wide` is set. */
     public TextLayout(PrintStream to, boolean wide) {
         this(to, wide ? Integer.MAX_VALUE : TERMINAL);
     }
 
-    /** Prints a line with this indentation; further lines are indented by four more. */
+    /** Prints a wrapped text. Indents its first line by `indent` blanks, and further lines by four more. */
     public void print(int indent, String text) {
         wrapped(" ".repeat(indent), indent + FURTHER, text).forEach(mTo::println);
     }
 
-    /** Prints a label, and a text in a column `width` characters to the right of the label's start. */
+    /** Prints a label and a wrapped text. The text begins `width` characters after the label's start. */
     public void print(int indent, int width, String label, String text) {
         wrapped(" ".repeat(indent) + label(label, width), indent + width, text).forEach(mTo::println);
     }
 
-    /** Returns a label padded with at least one blank to its column's width. */
+    /** Pads a label with blanks to `width` characters. Adds at least one blank. */
     public static String label(String label, int width) {
         return label + " ".repeat(Math.max(1, width - label.length()));
     }
 
-    /** Returns the lines of a text. The first begins with `start`, further ones with `indent` blanks. */
+    /** Wraps a text. The first line begins with `start`, further lines begin with `indent` blanks. */
     public List<String> wrapped(String start, int indent, String text) {
         return wrapped(start, indent, List.of(text.split(" ")));
     }
@@ -98,7 +98,7 @@ public final class TextLayout {
         return " ".repeat(INDENT) + ("%-" + LABEL_WIDTH + "s").formatted(label);
     }
 
-    /** Prints lines under one label, each cut if it is too long. */
+    /** Prints lines, each cut if it is too long. The label precedes the first line. */
     public void lines(String label, List<String> lines) {
         String shown = label;
         for (String text : lines) {
