@@ -31,7 +31,8 @@ void noteAndCallBack(const AlgoProcessRecord& record) {
 }  // namespace
 
 RequestRunner::RequestRunner(Shot& shot) : mShot(shot) {
-  // The recorder must see the client's method look-ups, which are not part of a request.
+  // Creating the client looks up methods. The recorder must see these look-ups to learn the methods' argument
+  // types, but they are not part of a request.
   JniRecording ignored;
   JniRecorder recorder(env(), ignored);
   mClient = RequestProcessor::create(env(), shot.firstComposition());

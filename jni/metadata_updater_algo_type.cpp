@@ -61,8 +61,8 @@ void MetadataUpdater::updateRawAlgorithms() {
   if (mShot.listHas("rawhdr") || mShot.listHas("superstar") || mShot.listHas("supermoonRaw")) updateRawHdr();
 }
 
-// Adds the packing of refocusable JPEGs, replaces the list for multi-frame bokeh, and removes algorithms that
-// the request or another algorithm excludes. Each rule sees the result of the earlier rules.
+// Adds refocusJpegPack, replaces the list for multi-frame bokeh, and removes algorithms that the request or
+// another algorithm excludes. Each rule sees the result of the earlier rules.
 void MetadataUpdater::editAlgoList() {
   constexpr char kOperation[] = "updateAlgoType";  // logged instead of the function's name
   const bool isRaw = mShot.isRaw();

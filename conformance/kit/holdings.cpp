@@ -51,7 +51,7 @@ int64_t allocatedBytes() {
 
 void poison([[maybe_unused]] int byte) {
 #ifdef M_PERTURB
-  mallopt(M_PERTURB, byte);  // NOLINT(concurrency-mt-unsafe): a word that is read at each call of malloc
+  mallopt(M_PERTURB, byte);  // NOLINT(concurrency-mt-unsafe): sets a word that malloc reads at each call
 #endif
 }
 

@@ -132,7 +132,7 @@ int orientationOf(int32_t degrees) {
   }
 }
 
-// Bit 0: the flash fired. Bits 3 and 4: forced on, forced off, or automatic.
+// Returns EXIF's flash value. Bit 0: the flash fired. Bits 3 and 4: forced on, forced off, or automatic.
 int flashOf(const ExifInfo& info) {
   const bool fired = info.hasFlashState != 0 ? info.flashState == kFlashStateFired : info.flashMode != 0;
   int mode = 0x10;
@@ -141,7 +141,7 @@ int flashOf(const ExifInfo& info) {
   return mode | (fired ? 1 : 0);
 }
 
-// Returns the EXIF light source of a white balance preset; 0 if it has none.
+// Returns the EXIF light source of a white balance mode; 0 (unknown) if EXIF has no value for the mode.
 int lightSourceOf(int32_t awbMode) {
   constexpr int kSources[] = {0, 0, 3, 2, 16, 1, 10, 0, 11};
   const bool known = awbMode >= 0 && static_cast<size_t>(awbMode) < std::size(kSources);
@@ -166,7 +166,7 @@ void addExposure(ExifBuilder& exif, const ExifInfo& info) {
                            info.aeCompensationStepDenominator);
   }
   exif.addShort(EXIF_IFD_EXIF, EXIF_TAG_FLASH, flashOf(info));
-  // The mode is also 0 if the camera did not report it.
+  // OFF (0) does not count as manual, because the mode is also 0 if the camera did not report it.
   const bool manual = info.awbMode > kAwbAuto;
   exif.addShort(EXIF_IFD_EXIF, EXIF_TAG_WHITE_BALANCE, manual ? 1 : 0);
   exif.addShort(EXIF_IFD_EXIF, EXIF_TAG_LIGHT_SOURCE, lightSourceOf(info.awbMode));

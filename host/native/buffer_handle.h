@@ -1,4 +1,5 @@
-// The native handle of the host layer's hardware buffers: two descriptors, then integers.
+// The layout of the native handle of the host layer's hardware buffers: two descriptors, then four integers.
+// The constants ...Word are indices into the handle's `data`.
 #pragma once
 
 namespace orlu::host {

@@ -7,7 +7,7 @@ final class MappedPixels implements AutoCloseable {
     private final ByteBuffer mBytes;
     private Runnable mUnmap;
 
-    /** {@code unmap} removes the mapping. It runs once. */
+    /** {@code unmap} removes the mapping. Only the first call of {@link #close} runs it. */
     MappedPixels(ByteBuffer bytes, Runnable unmap) {
         mBytes = bytes;
         mUnmap = unmap;

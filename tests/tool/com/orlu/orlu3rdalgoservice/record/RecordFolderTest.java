@@ -16,7 +16,8 @@ public final class RecordFolderTest {
 
     @Test
     public void rejectsAFileThatEndsEarly() throws Exception {
-        // The kernel's files are on another file system, and shorter than they claim.
+        // A file of sysfs is shorter than its reported length. takeFile() copies it, because it can't move it
+        // from another file system.
         File file = new File("/sys/devices/system/cpu/online");
         assumeTrue(file.length() == 4096);
         RecordFolder record = new RecordFolder(new File(folder.getRoot(), "record"), 1 << 20,

@@ -48,7 +48,7 @@ final class RequestAdvice {
         }
     }
 
-    // The field with a frame's tag: the frame's own field, else the common one, else "frames".
+    // Returns the field that sets a frame's tag: the frame's own field, else the common field, else "frames".
     private Json field(int frame, String part, String tag) {
         Json frames = mRoot.get("frames");
         List<Json> each = (frames.isList() ? frames : frames.at("each")).elements();
@@ -97,7 +97,8 @@ final class RequestAdvice {
         }
     }
 
-    // A composition's value of the wrong class can't be read, and hides the capture result's value.
+    // The library can't read a composition's value of the wrong class, and then does not read the capture
+    // result's value either.
     private void onCompositions() {
         for (int i = 0; i < mFrames.size(); ++i) {
             for (Map.Entry<String, Object> entry : mFrames.get(i).composition().entrySet()) {
@@ -116,7 +117,7 @@ final class RequestAdvice {
     }
 
     private void onModes() {
-        // With dualBokeh, frames of two cameras may alternate; then only every second mode counts.
+        // With dualBokeh, frames of two cameras may alternate. The library then uses only every second mode.
         if (asksFor("dualBokeh") || mFrames.isEmpty()) {
             return;
         }
@@ -141,7 +142,8 @@ final class RequestAdvice {
         }
     }
 
-    // Whether the first three frames have the night bit and the others the HDR bit. Other bits don't matter.
+    // Returns whether the first three frames have the night bit, and all later frames the HDR bit. Ignores
+    // other bits.
     private boolean hasNineLayout() {
         for (int i = 0; i < mFrames.size(); ++i) {
             if ((modeOf(mFrames.get(i)) & (i < 3 ? NIGHT_FRAME_BIT : HDR_FRAME_BIT)) == 0) {

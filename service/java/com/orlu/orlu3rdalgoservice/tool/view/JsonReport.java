@@ -15,8 +15,8 @@ import java.util.Map;
 
 /**
  * The results of a request as JSON: parameters in order, algorithm lists, values put into compositions,
- * output descriptions, times. Omits pointers and kinds of memory, so that only times, and the page
- * faults and allocations of --times, differ between machines.
+ * output descriptions, times. Omits pointers and kinds of memory, so that the reports of two machines differ
+ * only in times and, with --times, in page faults and allocations.
  */
 public final class JsonReport {
     private JsonReport() {
