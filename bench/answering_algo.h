@@ -1,5 +1,5 @@
-// The algorithm library of the benchmarks, named like the device's. It stores no parameters, computes nothing
-// and calls back at once, so that the benchmarks measure only the code that calls it.
+// The benchmarks' algorithm library, with the file name of the device's library. It stores no parameters,
+// computes nothing and calls back at once, so that the benchmarks measure only the code that calls it.
 #pragma once
 
 #include "algo_interface.h"
@@ -10,7 +10,7 @@ namespace orlu::bench {
 using ProcessHandler = void (*)(const AlgoProcessRecord& record);
 void setProcessHandler(ProcessHandler handler);
 
-// Sets a function that is called with each table that the library fills from now on; null for none.
+// From now on, the library passes each table that it has filled to `filter`. Null removes the filter.
 using TableFilter = void (*)(AlgoInterfaceCallbacks* table);
 void setTableFilter(TableFilter filter);
 

@@ -35,7 +35,8 @@ void client(const ShotPlan& plan, StartLine& line, int warmUp, int requests, Sec
   latency = Seconds(median(times));
 }
 
-// Runs one round, in which every client sends its requests. Returns the total time.
+// Runs one round, in which every client sends `requests` requests after its warm-up. Returns the time from
+// the common start until the last client ends, and appends each client's median latency to `latencies`.
 Seconds together(const ShotPlan& plan, size_t clients, int warmUp, int requests,
                  std::vector<double>& latencies) {
   StartLine line(static_cast<int>(clients) + 1);

@@ -38,8 +38,8 @@ public:
 
   // Identifies the client in the request map. The value is never reused.
   const void* owner() const { return mCallback; }
-  // For a destroyed client: finishes the full-async requests that Java will not finish, and destroys the
-  // blocks that only the algorithm library might still have used.
+  // For a destroyed client: finishes the full-async requests that Java will not finish. The algorithm library
+  // no longer uses the blocks of full-async requests, so each block without another user is destroyed.
   void releaseRequests();
 
   // Handles a callback on the algorithm library's thread. Ignores malformed and unknown callbacks.

@@ -24,12 +24,12 @@ struct JniMember {
   Kind kind;
   const char* name;
   const char* signature;
-  jclass Owner::*clazz;      // a class row: its slot
-  jmethodID Owner::*method;  // a method row: its slot
-  jfieldID Owner::*field;    // a field row: its slot
+  jclass Owner::*clazz;      // in a class row: the slot for the class
+  jmethodID Owner::*method;  // in a method row: the slot for the method
+  jfieldID Owner::*field;    // in a field row: the slot for the field
   const char* label;         // the name to log as null if the row is missing
   unsigned flags;
-  jclass Owner::*examined;  // a class row: the class counts as found if this slot is not null
+  jclass Owner::*examined;  // in a class row: the class counts as found if this slot is not null
 
   bool has(Flag flag) const { return (flags & flag) != 0; }
 
@@ -72,9 +72,9 @@ constexpr JniMember<Owner> jniField(const char* name, const char* signature, jfi
   return {JniMember<Owner>::Kind::kField, name, signature, nullptr, nullptr, slot, label, 0, nullptr};
 }
 
-// Resolves the rows of tables in order into their owner's slots and logs each missing row. Skips the members
-// of a missing class, except rows with kAnyClass. A lookup in a null class gives null without calling the VM.
-// Exceptions of lookups are cleared.
+// Resolves the rows of tables in order, stores the results in the owner's slots, and logs each missing row.
+// Skips the members of a missing class, except rows with kAnyClass. A lookup in a null class gives null
+// without calling the VM. Exceptions of lookups are cleared.
 template <typename Owner>
 class JniMemberWalk {
 public:
@@ -84,7 +84,7 @@ public:
   JniMemberWalk(JNIEnv* env, Owner& owner, const LogPlace& place, const char* shortTag)
       : mEnv(env), mOwner(owner), mPlace(place), mShortTag(shortTag) {}
 
-  // Does nothing after a missing row with kStop.
+  // Stops at a missing row with kStop; later calls then do nothing.
   template <size_t N>
   void resolve(const Row (&rows)[N]) {
     for (const Row& row : rows) {

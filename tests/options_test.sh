@@ -110,7 +110,7 @@ completed() {
 # Bash's own compopt fails outside a completion.
 # shellcheck disable=SC2317 # the completion calls it
 compopt() { :; }
-# shellcheck disable=SC1091 # it was written above
+# shellcheck disable=SC1091 # ./run completion wrote this file above
 source out
 touch photo.jpg lib.so
 cd "$root" || exit 1
@@ -142,7 +142,7 @@ done <<'CASES'
 CASES
 cd "$folder" || exit 1
 completed "./run m" mine.json
-# The kit prints the help of conform; the completion must offer the same options.
+# The kit prints the help of conform. The completion must offer the options in this help.
 command_ends 0 conform --help
 read -ra listed < <(sed -nE 's/^  (--[a-z-]+) .*/\1/p' out | xargs)
 completed "./run conform -" "${listed[@]}"
@@ -150,7 +150,8 @@ completed "./run conform -" "${listed[@]}"
   fail "completion of conform: ${COMPREPLY[*]}, its help: ${listed[*]}"
 
 echo "== Foreign text in the kit's reports and in the log"
-# shows FILE: expects the escaped text, and no control characters for terminals.
+# shows FILE: expects that FILE contains the foreign text in escaped form, without its raw control characters
+# for terminals.
 shows() {
   grep -qF 'a\u001b[2J\u009b\u202e' "$1" || fail "$1 lacks the text: $(cat "$1")"
   ! LC_ALL=C grep -q $'\e\|\xc2\x9b\|\xe2\x80\xae\|\xff' "$1" || fail "$1 has control characters: $(cat "$1")"

@@ -1,6 +1,6 @@
 // Handlers of the calls that DescriptorWatch intercepts. watchedClose, watchedDuplicate and watchedUnmap
-// replace the call and set errno as it does; watchedUse and watchedMap only check or record it. `caller` is
-// the return address of the call.
+// replace the intercepted call and set errno as that call does. watchedUse only checks a call, and watchedMap
+// only records one. `caller` is the return address of the intercepted call.
 #pragma once
 
 #include <sys/types.h>
@@ -15,9 +15,9 @@ bool isWatched(const void* caller);
 int watchedClose(int fd, const void* caller);
 // dup, dup2, dup3 and fcntl(F_DUPFD). `to` is -1 if the system chooses the number.
 int watchedDuplicate(const char* call, int from, int to, int leastNumber, int flags, const void* caller);
-// Records a fault, sets errno and returns false if the library has closed this number.
+// If the library has already closed `fd`, records a fault, sets errno and returns false.
 bool watchedUse(const char* call, int fd, const void* caller);
-// Records a mapping of an image. A fixed mapping may lie inside a larger one.
+// Records the mapping if `fd` is an image. A fixed mapping may lie inside a larger one.
 void watchedMap(void* address, size_t size, int fd, bool isFixed, const void* caller);
 int watchedUnmap(void* address, size_t size, const void* caller);
 

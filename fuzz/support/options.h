@@ -14,7 +14,7 @@ namespace orlu::fuzz {
 
 struct NumberOption {
   const char* name;
-  uint64_t* value;  // contains the default; changed by readNumbers()
+  uint64_t* value;  // points to the default; readNumbers() overwrites it
   uint64_t least;
 };
 
@@ -26,7 +26,7 @@ struct NumberOption {
   std::exit(2);
 }
 
-// Parses the command line. If it contains anything but these options, prints the usage and exits with 2.
+// Parses the command line. After any other argument or an invalid number, prints the usage and exits with 2.
 inline void readNumbers(int argc, char** argv, const std::vector<NumberOption>& options) {
   std::vector<option> known;
   for (const NumberOption& option : options) known.push_back({option.name, required_argument, nullptr, 0});

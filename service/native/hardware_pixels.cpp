@@ -43,8 +43,8 @@ jobject pixelsOf(JNIEnv* env, AHardwareBuffer* buffer, const AHardwareBuffer_Pla
 
 }  // namespace
 
-// Locks the buffer for reading and keeps it alive until nUnlock(). Returns its pixels, and in locked[0] the
-// argument of nUnlock(). On failure throws IllegalStateException and leaves nothing locked.
+// Locks the buffer for reading and keeps it alive until nUnlock(). Returns its pixels and stores the argument
+// for nUnlock() in locked[0]. On failure throws IllegalStateException and leaves nothing locked.
 extern "C" JNIEXPORT jobject JNICALL Java_com_orlu_orlu3rdalgoservice_record_HardwarePixels_nLock(
     JNIEnv* env, jclass, jobject hardwareBuffer, jlongArray locked) {
   AHardwareBuffer* const buffer =

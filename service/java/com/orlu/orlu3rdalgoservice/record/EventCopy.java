@@ -12,9 +12,10 @@ import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
 /**
- * Copies the probe's events during a request into that request's recording. Moves the request's pixel files
- * out of the probe's folder; deletes files that equal the recorded pixels of one of Java's images or exceed
- * the recording's size limit.
+ * Copies the events that the probe writes during a request into the recording of that request. If the
+ * recording stores the probe's pixels, moves the request's pixel files from the probe's folder there. Deletes
+ * a pixel file instead if it equals the recorded pixels of one of Java's images or would exceed the
+ * recording's size limit.
  */
 final class EventCopy {
     /** The environment variables that name the probe's events file and its pixels folder. */
@@ -41,8 +42,8 @@ final class EventCopy {
     }
 
     /**
-     * Copies the events since start() into the recording and moves this request's pixel files there. Adds the
-     * events file and a list of the omitted pixels to `outcome`.
+     * Copies the events from offset start() on into the recording and moves this request's pixel files
+     * there. Adds the events file and a list of the omitted pixel files to `outcome`.
      */
     void end(RecordFolder to, String requestId, Map<String, Object> outcome) throws IOException {
         if (!mEvents.isFile()) {
@@ -66,7 +67,7 @@ final class EventCopy {
 
     // Finds the pixel files by their names in the events: on some file systems, a 32-bit process can't list
     // the folder. Concurrent requests share the events file, so only events with this request's id count.
-    // Returns the omitted files.
+    // Returns the files that the size limit excludes.
     private static List<Object> movePixels(File folder, String events, String requestId, RecordFolder to)
             throws IOException {
         List<Object> leftOut = new ArrayList<>();

@@ -42,7 +42,7 @@ public final class HeldValue {
         return TYPE_NAMES.get(stored);
     }
 
-    /** Returns a value in the form of request files; if its class has none, the result of toString(). */
+    /** Returns a value in the form of request files; if its class has no such form, its toString(). */
     public static Object json(Object value) {
         if (value instanceof byte[] bytes) {
             return hexadecimal(bytes);
@@ -105,9 +105,10 @@ public final class HeldValue {
     }
 
     /**
-     * Converts each value but null to an object that names its type ({"long": 5}), to be read back. A
-     * value of a class without a type name becomes {"class": the class, "text": the result of toString()}. If
-     * the conversion throws or an element is null, "text" is the reason.
+     * Converts each value to an object that names its type, such as {"long": 5}, so that it can be read back;
+     * null stays null. A value of a class without a type name becomes {"class": the class, "text": the result
+     * of toString()}. If the conversion throws or an element is null, the value has the same form, with the
+     * reason as "text".
      */
     static Map<String, Object> typed(Map<String, ?> values) {
         Map<String, Object> typed = new LinkedHashMap<>();

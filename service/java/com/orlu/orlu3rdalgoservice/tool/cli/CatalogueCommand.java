@@ -29,7 +29,7 @@ final class CatalogueCommand implements Subcommand {
     @Option(names = "--json", description = "Print complete entries as a JSON list")
     private boolean mJson;
 
-    /** `name` is a part of the catalogue, see Catalogue.of(); `label` is the argument's name in the help. */
+    /** `name` selects a part of the catalogue (Catalogue.of()); `label` names the argument in the help. */
     CatalogueCommand(String name, String label, String example) {
         mName = name;
         mLabel = label;
@@ -62,7 +62,8 @@ final class CatalogueCommand implements Subcommand {
         return Verdict.OK;
     }
 
-    // Returns the entries named `word`, in full or after a slash; else those whose names contain it.
+    // Returns the entries whose name is `word` or ends with a slash and `word`. Without such entries, returns
+    // those whose names contain `word`, in upper or lower case.
     private List<Json> wanted(List<Json> all, String word) {
         List<Json> exact = all.stream().filter(entry -> ("/" + Catalogue.name(entry)).endsWith("/" + word))
                 .toList();

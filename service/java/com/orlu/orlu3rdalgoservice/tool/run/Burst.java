@@ -22,14 +22,14 @@ import java.util.stream.IntStream;
 
 /**
  * Sends one request many times on one client. As in the service, calls on the client don't overlap, so
- * synchronous requests run one at a time. All requests share the inputs. Each has its own outputs,
- * compositions and id, and a unique value in a tag, to detect mixed-up results.
+ * synchronous requests run one at a time. All requests share the inputs. Each request has its own outputs,
+ * compositions and id. One tag has a different value in each request, to detect mixed-up results.
  */
 public final class Burst implements AutoCloseable {
-    /** The tag that gets the unique value, and the result's tag that should return this value. */
+    /** The tag that is set to the unique value, and the tag of the results that should return this value. */
     private static final String PLANTED = "orlu.control.frameFlag";
     private static final String RETURNED = "orlu.feedback.basicFrameTimestamp";
-    /** Negative, unlike timestamps, which a library may return instead. */
+    /** Negative, to distinguish it from a timestamp, which a library may return instead. */
     private static final long FIRST_PLANTED = -1_000_000;
 
     private final RequestFile mRequest;
@@ -47,9 +47,9 @@ public final class Burst implements AutoCloseable {
      * One request of the burst.
      *
      * @param tid      the kernel's id of the sending thread
-     * @param stages   its stages, in order
-     * @param owner    the index of the request whose unique value was returned; -1 for none
-     * @param problems calls that failed or had no callback
+     * @param stages   the stages of this request, in order
+     * @param owner    the index of the request whose unique value this request returned; -1 for none
+     * @param problems descriptions of failed calls and of a missing callback
      */
     public record Shot(long id, int tid, List<Stopwatch.Stage> stages, int owner, List<String> problems) {
         /** The time from the start of the first stage to the end of the last. */

@@ -27,7 +27,7 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
-/** The data of a page on one request as JSON, except for the timeline and the log. */
+/** The JSON data of the page about one request, without the timeline and the log. */
 final class PageData {
     private final RunReport mReport;
     private final Run mRun;

@@ -2,7 +2,7 @@
 
 function histogram(facts) {
   const counts = facts.histogram;
-  // The scale ignores levels 0 and 255, which may be far more frequent than all others.
+  // The scale ignores levels 0 and 255, which may be far more frequent than the other levels.
   const inner = ["luma", "red", "green", "blue"].flatMap(name => counts[name].slice(1, 255));
   const most = Math.max(1, ...inner);
   const y = count => 100 - 97 * Math.sqrt(Math.min(1, count / most));
