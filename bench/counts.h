@@ -14,8 +14,8 @@ namespace orlu::bench {
 // C++ heap, "debug_lines" and "error_lines" for the lines of the log at full verbosity.
 using Counts = std::map<std::string, int64_t>;
 
-// Runs the shot a few times and returns the counts of one run. Those of a full-async request include
-// processImageUpdateResult().
+// Runs the runner's shot a few times and returns the counts of one run. For a full-async request, the counts
+// include processImageUpdateResult().
 Counts countsOf(RequestRunner& runner);
 
 }  // namespace orlu::bench

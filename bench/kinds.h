@@ -1,4 +1,4 @@
-// The four measured shots, with the tags of their sample files.
+// The four shots that the benchmarks measure. Each takes its tags from a sample file.
 #pragma once
 
 #include "shot.h"

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Changes tags of samples, one at a time, and compares the effects with those that ./run --explain reports.
-Also checks the output of known cases.
+"""Changes tags of samples, one at a time, and checks that ./run --explain reports every effect. Also checks
+the reported tags of known parameters and the printed text of one request.
 
 explain_test.py BUILD_FOLDER [--all]    without --all, uses only some of the samples
 """
@@ -33,7 +33,7 @@ def run_in(folder, *arguments):
 
 
 def small(sample):
-    """Returns the request with small frames, each with its own copy of all tags."""
+    """Returns a sample's request with small frames. Each frame gets its own copy of the common tags."""
     request = json.loads(sample.read_text())
     if "photo" in request:
         request["photo"] = str(sample.parent / request["photo"])
@@ -87,7 +87,7 @@ def changes(request, chance):
 
 
 def handed_over(report):
-    """Returns all values of each parameter in order, and the algorithm list."""
+    """Maps each parameter to its values in a report, in order, and "algorithms" to the algorithm list."""
     values = {}
     for parameter in report["parameters"]:
         values.setdefault(f"{parameter['section']}/{parameter['key']}", []).append(parameter["hex"])
@@ -132,7 +132,7 @@ def check_samples(samples, folder):
 
 
 def unexplained(sample, trials, places, handed):
-    """Returns the effects that the trials missed, and the number of changes with an effect."""
+    """Returns the failures, mostly effects that trials missed, and the number of changes with an effect."""
     problems = [f"{sample.stem}: {trials['problem']}"] if trials["problem"] else []
     named = {}
     for tag in trials["tags"]:

@@ -20,7 +20,8 @@ inline uint32_t hostileWord(Random& random) {
   return chance(random, 70) ? kWords[random() % std::size(kWords)] : static_cast<uint32_t>(random());
 }
 
-// Returns hostile bytes for a result, mostly of about the size that the service reads.
+// Returns hostile bytes for a result. Most sizes differ by at most one byte from the size that the service
+// reads.
 inline standin::ScriptedValue hostileValue(Random& random, const ResultValue& value) {
   const size_t sizes[] = {0, 1, value.size - 1, value.size, value.size, value.size + 1, 100'000};
   standin::ScriptedValue scripted = {value.section, value.key, {}};
@@ -34,8 +35,9 @@ inline standin::ScriptedValue hostileValue(Random& random, const ResultValue& va
   return scripted;
 }
 
-// The callables of the last line are always present: without process or getSize, the request would wait for a
-// callback that can't arrive; without the destroy functions, blocks or clients would leak.
+// Only the first kMayBeMissing operations may be missing from the table. Without process or getSize, the
+// request would wait for a callback that can't arrive; without destroyMetadata or destroyClient, blocks or
+// clients would leak.
 // clang-format off
 constexpr const char* kOperations[] = {
     "init", "uninit", "getData", "flush", "command", "translateParamFile", "createClient", "createMetadata",

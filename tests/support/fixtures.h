@@ -21,13 +21,14 @@ public:
   ~LocalFrame() { env()->PopLocalFrame(nullptr); }
 };
 
-// If a Java exception is pending, clears it and throws std::runtime_error with its text.
+// If a Java exception is pending, clears it and throws std::runtime_error with `what` and the exception's
+// text.
 void expectNoException(const char* what);
 
 jclass findClass(const char* name);
 jobject newObject(const char* clazz, const char* signature, ...);
-// Calls a method that returns void, boolean, int, long or an object, according to its signature. Throws
-// std::runtime_error if the method throws.
+// Calls a method. Its signature must return void, boolean, int, long or an object. Throws std::runtime_error
+// if the method throws.
 jvalue call(jobject object, const char* method, const char* signature, ...);
 template <typename... Arguments>
 jobject callObject(jobject object, const char* method, const char* signature, Arguments... arguments) {
@@ -79,7 +80,8 @@ jobject getKey(jobject composition, const char* key);
 jobject newThrowingComposition();
 // Returns the TagType constant of a tag in the host's table, or "" for an unknown tag.
 std::string typeOfTag(const std::string& tag);
-// Returns advice for a tag that is missing in the host's table or has a type other than `type` there.
+// Returns the advice to list a tag with `type` in the host's table; for a tag that is missing there or has
+// another type.
 std::string tagTableHint(const std::string& tag, const std::string& type);
 
 // Images.

@@ -63,7 +63,7 @@ bool startCheckedJvm(const std::vector<std::string>& jars) {
 bool jvmIsQuiet() {
   std::ifstream output(gVmOutput);
   bool quiet = true;
-  int following = 0;  // the lines after a complaint show its origin
+  int following = 0;  // lines still to print; the lines after a complaint show its origin
   for (std::string line; std::getline(output, line);) {
     if (isComplaint(line)) {
       quiet = false;

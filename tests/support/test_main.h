@@ -18,8 +18,8 @@ inline std::string lastLines(const std::string& text, size_t count) {
   return text.substr(start);
 }
 
-// Hides the log of passing tests. A failing test prints the last lines of its log, then repeats the failure,
-// which the log would bury.
+// Hides the log of passing tests. Prints the last log lines of each failing test, then its failures again,
+// because the log would bury the first report.
 class LogOfFailures : public testing::EmptyTestEventListener {
   void OnTestStart(const testing::TestInfo&) override { mLog.clear(); }
   void OnTestEnd(const testing::TestInfo& test) override {

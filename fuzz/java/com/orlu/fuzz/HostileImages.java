@@ -10,7 +10,10 @@ import java.util.Arrays;
 import java.util.List;
 import java.util.function.IntSupplier;
 
-/** Image descriptors and their memory, some of it closed at once on purpose, the rest by close(). */
+/**
+ * Creates image descriptors and their memory. Closes some of the memory at once, on purpose; close() closes
+ * the rest.
+ */
 final class HostileImages implements AutoCloseable {
     private static final List<String> FORMATS = List.of("NV21", "NV12", "YU12", "YV12", "MIPI_RAW10",
             "MIPI_RAW12", "RAW16", "RAW16_AND_MORE", "RAW_SENSOR", "JPEG", "R8G8B8A8", "NV2", "RAW1");
@@ -56,7 +59,7 @@ final class HostileImages implements AutoCloseable {
 
     private static int[] words(int count, IntSupplier maker) {
         int[] words = new int[count];
-        // The native side reads only the first elements of a long array.
+        // Only the first elements get hostile values: the native side ignores the rest of a long array.
         Arrays.setAll(words, i -> i < MOST_WORDS ? maker.getAsInt() : 0);
         return words;
     }

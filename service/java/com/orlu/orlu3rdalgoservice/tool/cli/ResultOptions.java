@@ -21,12 +21,18 @@ class ResultOptions {
     @Option(names = "--quiet", description = "Print only the verdict")
     boolean quiet;
 
-    /** Throws IllegalArgumentException if a file can't be written; `paths` has the paths checked so far. */
+    /**
+     * Checks the files of --json and --junit, and adds them to `paths`. Throws IllegalArgumentException if a
+     * file is unsuitable.
+     */
     void check(GivenPaths paths) {
         paths.file("--json", json).file("--junit", junit);
     }
 
-    /** Returns the stream for readable text: standard output, or a stream that discards everything. */
+    /**
+     * Returns the stream for readable text. It discards everything with --quiet, or if --json or --junit
+     * writes to standard output.
+     */
     PrintStream text() {
         return quiet ? nowhere() : last();
     }

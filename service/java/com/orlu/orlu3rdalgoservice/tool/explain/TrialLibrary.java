@@ -7,27 +7,27 @@ import java.util.ArrayList;
 import java.util.List;
 import java.util.stream.IntStream;
 
-/** The algorithm library for trials. This class and the native library must load the same file. */
+/** The algorithm library for trials. This class and the native library must load it from the same file. */
 final class TrialLibrary {
-    /** The parts of a write: section, key and value. */
+    /** Number of parts of a write: section, key and value. */
     private static final int PARTS = 3;
 
     private TrialLibrary() {
     }
 
-    /** A write of a parameter, named "section/key", or of the algorithm list, named "algorithms". */
+    /** A write of a parameter (name "section/key") or of the algorithm list (name "algorithms"). */
     record Write(String name, byte[] value) {
     }
 
     // See host/trial/trial_algo.cpp for the format.
     private static native byte[] take();
 
-    /** Loads the file that the native library finds under the algorithm library's name. */
+    /** Loads `file`, which the native library must also find under the algorithm library's name. */
     static void load(String file) {
         System.load(file);
     }
 
-    /** Returns the writes since the last call, in order. */
+    /** Returns the record of the writes since the last call, in order. */
     static byte[] takeRecord() {
         byte[] record = take();
         if (record == null) {
@@ -36,7 +36,7 @@ final class TrialLibrary {
         return record;
     }
 
-    /** Returns where each write starts in a record, and the record's size. */
+    /** Returns the offset of each write in a record, then the record's size. */
     static int[] starts(byte[] record) {
         IntStream.Builder starts = IntStream.builder();
         ByteBuffer bytes = ByteBuffer.wrap(record).order(ByteOrder.nativeOrder());

@@ -69,7 +69,8 @@ public final class Callbacks {
         return callback.time() > mWaitEnd;
     }
 
-    // Any thread can wake a waiting request, but Java is called only on threads attached to the VM.
+    // The native side wakes a waiting request from any thread, but calls Java only from threads attached to
+    // the VM.
     private boolean isUnreachable(Event callback) {
         boolean callsJava = callback.isLightStream() || mIsFullAsync;
         return callsJava && callback.has("attached") && !callback.flag("attached");
@@ -96,7 +97,7 @@ public final class Callbacks {
             return "its thread " + callback.text("tid") + " \"" + callback.text("thread")
                     + "\" is not attached to the VM";
         }
-        // After a callback in time, a late callback is merely redundant.
+        // A late callback matters only if no valid callback finished the request; otherwise it is redundant.
         if (callback.isShot() && isLate(callback) && isMissing()) {
             return "it arrived after %.1f s".formatted(
                     (callback.time() - mWaitStart) / NANOSECONDS_PER_SECOND);

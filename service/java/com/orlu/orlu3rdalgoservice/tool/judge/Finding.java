@@ -5,13 +5,13 @@ import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import java.util.Map;
 
 /**
- * A suspicious observation about a request.
+ * An observation about a request: a certain or possible error.
  *
  * @param kind   a machine-readable name
- * @param isSure whether it is certainly an error
+ * @param isSure whether the observation is certainly an error
  * @param what   the observation, one sentence
- * @param why    its usual causes and where to look
- * @param tab    the part of the page that shows it
+ * @param why    the usual causes and where to look
+ * @param tab    the tab of the request's HTML page that shows the details
  */
 public record Finding(String kind, boolean isSure, String what, String why, Tab tab) {
     enum Tab {

@@ -17,14 +17,14 @@ import java.util.TreeSet;
  * The results of the trials of one request.
  *
  * @param all      the dependences: one for each tag tested, per frame and store (composition, capture result)
- * @param unsteady parameters that change between translations of the same request
+ * @param unsteady parameters whose values differ between translations of the unchanged request
  * @param trials   the number of translations
  * @param seconds  the duration of all translations
  * @param problem  why the results are unreliable; "" if they are reliable
  */
 public record Dependences(
         List<Dependence> all, Set<String> unsteady, int trials, double seconds, String problem) {
-    /** The algorithm list's name among the parameters. */
+    /** The name that stands for the algorithm list in sets of parameters. */
     public static final String ALGORITHMS = "algorithms";
 
     public static Dependences unknown(String problem) {
@@ -41,7 +41,7 @@ public record Dependences(
                 .toList();
     }
 
-    /** The effects of a frame's tag; none if translation did not read the tag. */
+    /** Returns the dependences on a frame's tag; an empty list if translation did not read the tag. */
     public List<Dependence> of(int frame, String tag) {
         return all.stream().filter(each -> each.frame() == frame && each.tag().equals(tag)).toList();
     }

@@ -38,7 +38,7 @@ final class CallbackInbox implements CallbackListener, AutoCloseable {
         return mReports.stream().map(Report::values).toList();
     }
 
-    /** The native addresses of finished requests whose id matches, in the order of the reports. */
+    /** Returns the native addresses of finished requests that match `ids`, in the order of the reports. */
     synchronized List<Long> done(LongPredicate ids) {
         return mReports.stream().filter(report -> ids.test(report.requestId()))
                 .map(report -> report.values().get(REQUEST_ADDRESS))
@@ -46,8 +46,8 @@ final class CallbackInbox implements CallbackListener, AutoCloseable {
     }
 
     /**
-     * Waits until a request whose id matches is finished. Returns its native address; null after a timeout or
-     * an interrupt.
+     * Waits until a request that matches `ids` has finished. Returns the request's native address; null after
+     * a timeout or an interrupt.
      */
     synchronized Long awaitDone(LongPredicate ids, long seconds) {
         long end = System.nanoTime() + TimeUnit.SECONDS.toNanos(seconds);

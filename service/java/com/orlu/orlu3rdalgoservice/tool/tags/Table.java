@@ -32,7 +32,7 @@ final class Table {
         return rows;
     }
 
-    /** Returns the words of the first column without duplicates. */
+    /** Returns the distinct words of the first column, in the order of the file. */
     static List<String> firstWords(String file) {
         Set<String> words = new LinkedHashSet<>();
         for (String line : lines(file)) {

@@ -12,11 +12,11 @@ import java.util.List;
 
 import org.junit.Test;
 
-/** Tests how the reason for a process's death is derived from its events, exit status and crash report. */
+/** Tests what Crash derives from the events, the exit status and the VM's crash report of a process. */
 public final class CrashTest {
     private static final String LOAD = "begin 1 load 'path': '/a.so'\nend 1 load\n";
 
-    /** Parses events, one a line: "begin N OP", "end N OP", and further fields. */
+    /** Parses one event per line: "begin N OP" or "end N OP", optionally followed by further fields. */
     private static RecordedEvents events(String text) {
         RecordedEvents events = new RecordedEvents();
         text.lines().forEach(line -> {
@@ -69,7 +69,7 @@ public final class CrashTest {
             {LOAD + "begin 2 createClient", Verdict.UNUSABLE}, {LOAD + "begin 2 init", Verdict.UNUSABLE},
             {LOAD + "begin 2 process", Verdict.FAILED}, {LOAD + "begin 2 destroy", Verdict.FAILED},
             {LOAD, Verdict.FAILED},
-            // The innermost operation counts.
+            // The innermost of several open operations determines the status.
             {LOAD + "begin 2 init\nbegin 3 setValue", Verdict.FAILED},
         };
         for (Object[] row : rows) {
