@@ -42,7 +42,7 @@ constexpr unsigned kQueryResultSize = 10240;
 constexpr char kNotifyKill[] = "notify:kill";
 static_assert(sizeof kNotifyKill == 12);
 
-// Values of AlgoFrameInfo::format that have a meaning here; formatToStr() has names for more.
+// Values of AlgoFrameInfo::format that the code refers to; formatToStr() has names for further values.
 enum AlgoImageFormat : int32_t {
   kFormatUnknown = 0,
   kFormatNv21 = 1,
@@ -163,7 +163,8 @@ struct AlgoProcessRecord {
   std::vector<AlgoFrameInfo> outputFrames;
 };
 
-// An abort carries a parameter block that names the frame to abort; a notification carries data.
+// The record of an abort or a notification. For an abort, `metadata` refers to a parameter block that names
+// the frame to abort. A notification uses `data` instead.
 struct AlgoCommandRecord {
   uint8_t reserved[16] = {};
   void* client = nullptr;
@@ -173,8 +174,8 @@ struct AlgoCommandRecord {
   std::vector<AlgoMetadataEntry> metadata;
 };
 
-// The beginning of a result callback's data. The name follows, not zero-terminated, then the payload. Data is
-// ignored if its name is missing, unknown or cut off.
+// The beginning of a result callback's data. The callback's name, without a terminating zero, and the payload
+// follow. The data is ignored if the name is missing, unknown or cut off.
 struct CallbackHeader {
   uint8_t reserved[8];
   uint64_t nativeReq;  // the finished request; not read for a light-stream event
@@ -205,13 +206,13 @@ static_assert(offsetof(LightStreamEvent, eventType) == 16);
 static_assert(offsetof(LightStreamEvent, cropRegion) == 24);
 static_assert(offsetof(LightStreamEvent, zoomRatio) == 40);
 
-// Called for one value of a parameter block; returns 0 if the value was accepted or filled in. Valid until
-// the operation that received it returns, and only on the thread that called the operation.
+// Called for one value of a parameter block; returns 0 if the value was accepted or filled in. A visitor may
+// be called only during the operation that received it, and only on that operation's thread.
 using AlgoMetadataVisitor =
     std::function<int(const char* section, const char* key, void* data, unsigned size)>;
 
 // The function at AlgoProcessRecord::callbackCookie. May be called on any thread of the algorithm library.
-// `data` is a CallbackHeader, its name and payload; `extra` is not read.
+// `data` consists of a CallbackHeader, the name and the payload; `extra` is not read.
 using AlgoResultCallback = std::function<void(
     const android::hardware::hidl_vec<uint8_t>& data, const android::hardware::hidl_vec<uint8_t>& extra,
     const android::hardware::hidl_vec<android::hardware::hidl_handle>& handles)>;
@@ -227,8 +228,9 @@ struct AlgoMetadataOps {
   // Loads serialised camera metadata into a kCameraMetadataBlock.
   std::function<int(void* block, const char* bytes, unsigned size)> setRaw;
   std::function<int(void*)> reserved;  // never called from here
-  // Call the visitor for each value that the algorithms pass to the system, or request from it.
+  // Calls the visitor for each value that the algorithms pass to the system.
   std::function<int(void* block, AlgoMetadataVisitor)> paramAlgoUpdateToSystem;
+  // Calls the visitor for each value that the algorithms request from the system.
   std::function<int(void* block, AlgoMetadataVisitor)> paramSystemDownloadToAlgo;
 };
 
@@ -250,5 +252,5 @@ struct AlgoInterfaceCallbacks {
 
 }  // namespace orlu
 
-// The algorithm library's only export: fills in the table. Its callables stay valid until the process ends.
+// The algorithm library's only export: fills in the table. The callables stay valid until the process ends.
 extern "C" void AlgoInterfaceEntry(orlu::AlgoInterfaceCallbacks* table);

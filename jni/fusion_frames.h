@@ -1,4 +1,4 @@
-// Selects the two frames of a shot that a two-camera fusion works on.
+// Selects the two frames that a two-camera fusion combines.
 #pragma once
 
 #include <algorithm>
@@ -11,7 +11,7 @@ namespace orlu {
 using FusionFrames = std::array<int, 2>;
 
 struct FusionShot {
-  bool isSatFusion = false;  // fusion of a switching multi-camera system
+  bool isSatFusion = false;  // fusion in a multi-camera system that switches cameras (SAT)
   bool isDualBokeh = false;
   bool isHdr = false;
   bool isPixelShift = false;
@@ -19,8 +19,9 @@ struct FusionShot {
   int frameNum = 0;
 };
 
-// SAT fusion takes precedence over bokeh. Its slave is the last frame; its master is the base frame, or frame
-// 0 for a pixel shift or without a base frame. Bokeh with HDR uses frames 2 and 3.
+// SAT fusion takes precedence over bokeh. For SAT fusion, the master is the base frame, or frame 0 for a
+// pixel shift or without a base frame; the slave is the last frame. Bokeh uses frames 2 and 3 with HDR, and
+// frames 0 and 1 without HDR.
 inline FusionFrames fusionFramesOf(const FusionShot& shot) {
   if (shot.isSatFusion) return {shot.isPixelShift ? 0 : std::max(shot.baseFrame, 0), shot.frameNum - 1};
   if (shot.isDualBokeh && shot.isHdr) return {2, 3};

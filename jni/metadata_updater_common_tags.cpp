@@ -78,7 +78,7 @@ void writeShotTags(Shot& shot, Ints<25>& frontEvControl) {
   // clang-format off
   shot.copyBytes<8482>  ("orlu.parameter.remosaicOTPData",   kSensor, "remosaic_eeprom_data");
   shot.copy<int32_t>    ("orlu.feedback.AWBFrameControlCCT", kSystem, "awb_cct");
-  // The exposure control later writes its real gain under the same key (Oddity 18).
+  // writeExposureControl() later overwrites this value with the exposure record's gain (Oddity 18).
   shot.copy<float>      ("orlu.feedback.RealGain",           kSystem, "flash_real_gain");
   shot.copy<float>      ("orlu.feedback.AdrcGain",           kSystem, "flash_adrc_gain");
   // clang-format on
@@ -120,7 +120,7 @@ void writePhaseDetection(Shot& shot) {
   auto* const sensor = reinterpret_cast<SensorPdafInfo*>(bytes.data.get());
   const bool usable = sensor != nullptr && isUsable(sensor->type, isCompensated);
   if (usable) {
-    // The count is passed on unchanged, even if it exceeds the table (Oddity 33).
+    // The count is passed on unchanged, even if it exceeds the table's length (Oddity 33).
     const int pairs = std::clamp(sensor->info.count, 0, PdafInfo::kPairs);
     std::fill(sensor->info.pairs + pairs, std::end(sensor->info.pairs), PdafPair());
   } else {
@@ -239,8 +239,8 @@ void MetadataUpdater::updateFaceInfo() {
     return rect.left >= rect.right || rect.top >= rect.bottom;
   };
   _tagOrluFaceInfo faces = readFaces(mShot, mShot.first());
-  // The first empty rectangle ends the list, even if valid ones follow. Rectangles past the table count as
-  // empty.
+  // The first empty rectangle ends the list, even if valid ones follow. Rectangles beyond the end of the
+  // table are treated as empty.
   const __tagOrluRect* const rects = faces.rects;
   const auto* const tableEnd = rects + std::min(faces.count, kMaxFaces);
   const auto available = static_cast<int32_t>(std::find_if(rects, tableEnd, isEmpty) - rects);

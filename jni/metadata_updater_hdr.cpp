@@ -47,7 +47,7 @@ void MetadataUpdater::updateHdrProcessType() {
     layout = hdrLayoutOf(modes, frameNum, mHdrFrameIndex);
     logLayout(layout, frameNum);
     if (layout.type != kHdrNone) {
-      // Nine frames leave the flag unchanged (Oddity 25).
+      // The nine-frame layout leaves mIsRawnrCapture unchanged (Oddity 25).
       if (layout.type != kHdr9Yuv) mIsRawnrCapture = 0;
       mShot.remove("night");
       if (!mShot.listHas("hdr")) mShot.append("hdr");

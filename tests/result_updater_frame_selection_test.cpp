@@ -60,7 +60,7 @@ void translateClarity(ResultScene& scene, int inputs, int compositions) {
 }
 
 TEST(ResultUpdaterClarityTest, PutsOneScoreForEachInputAndNothingElse) {
-  // The parameter has fifty scores.
+  // The updater reads only the first fifty of the sixty scores.
   const std::pair<int, std::string> cases[] = {
       {0,                  ""},
       {  3,    " 0.5 1.5 2.5"  },
@@ -89,7 +89,8 @@ TEST(ResultUpdaterClarityTest, NeedsAComposition) {
 struct SelectCase : test::NamedCase {
   int frames;
   std::vector<int32_t> selected;
-  std::string kept;       // timestamps in "orlu.feedback.frameSelectResult"; "none": neither key is put
+  // Timestamps in "orlu.feedback.frameSelectResult". "none": the translation fails and puts neither key.
+  std::string kept;
   std::string discarded;  // scores of discarded frames in "orlu.feedback.clarityScore"
 };
 
@@ -156,7 +157,7 @@ TEST_P(ResultUpdaterBaseFrameTest, PutsItsTime) {
 
 const std::string kChosen = "D callbackSelectBasicFrameIndex currentBaseFrameIdx ";
 const std::string kTold = "D callbackSelectBasicFrameIndex currentBaseFrameTime ";
-// The format string has a long, which is 32-bit on some machines.
+// The updater logs the time as a long, which has 32 bits on some machines.
 const std::string kLargeTimeAsLong = std::to_string(static_cast<long>(0x123456789ABCDEF));
 const std::string kTooFar = "E currentBaseFrameIdx > size\n";
 

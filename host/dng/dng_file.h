@@ -14,7 +14,7 @@ namespace orlu::host {
 // file's size before memory is allocated, and a strip or tile that does not fill its area is an error.
 class DngFile : private LibRaw {
 public:
-  // Reads only the header. If problem() is not empty, nothing else is valid.
+  // Reads only the header. If problem() is not empty afterwards, no other function may be called.
   explicit DngFile(const char* path);
 
   // Describes what is wrong with the file; empty if no problem is known.
@@ -24,11 +24,11 @@ public:
   int width() const { return mImage->t_width; }
   int height() const { return mImage->t_height; }
 
-  // The bits per sample that the white level requires; without a valid white level, the stored bits.
+  // Number of bits that the white level requires; without a valid white level, the bits per stored sample.
   int bits() const;
 
   // Decodes all samples, row by row without padding, and applies the file's linearisation table. The samples
-  // are valid as long as this object. Returns null if there is a problem().
+  // are valid until this object is destroyed. Returns null on failure; problem() then describes it.
   const uint16_t* decode();
 
 private:

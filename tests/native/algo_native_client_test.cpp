@@ -65,7 +65,7 @@ TEST_F(AlgoNativeClientTest, FindsTheNameWithinTheData) {
     EXPECT_EQ(1, debugLines("on callback " + std::to_string(20 + rest.size()) + " 0"));
     EXPECT_EQ(reached == kShot ? 1 : 0, debugLines(kShot));
     EXPECT_EQ(reached == kLightStream ? 1 : 0, mLog.errors(kTag, kLightStream));
-    // The request is unknown.
+    // No request has this id, so the callback finishes none.
     EXPECT_FALSE(mLog.contains("CommonShot: X"));
     EXPECT_FALSE(mLog.contains("notify reqId"));
   }
@@ -79,7 +79,7 @@ TEST_F(AlgoNativeClientTest, IgnoresDataThatEndsBeforeTheNameDoes) {
   EXPECT_EQ(1, debugLines(kShot));
 }
 
-// Only the start is readable: copying the name before checking its length crashes here.
+// Only the first page of the data is readable: code that copies the name before it checks the length crashes.
 TEST_F(AlgoNativeClientTest, ReadsNoNameOfMoreThanAGigabyte) {
   constexpr size_t kSize = 1'400'000'000;
   void* const memory = mmap(nullptr, kSize, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
@@ -125,7 +125,7 @@ TEST_F(AlgoNativeClientTest, IgnoresCallbacksAfterItsDestruction) {
   map->remove(waiting);
 }
 
-// AddressSanitizer and ThreadSanitizer check this.
+// Expects nothing itself: AddressSanitizer detects a use after free, and ThreadSanitizer a race.
 TEST_F(AlgoNativeClientTest, IsDestroyedWhileThreadsCallBack) {
   for (int round = 0; round < 20; ++round) {
     AlgoNativeClient* const client = new AlgoNativeClient(nullptr, round, 0);

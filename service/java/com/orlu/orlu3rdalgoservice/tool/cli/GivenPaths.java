@@ -16,8 +16,9 @@ import java.util.regex.Pattern;
 import java.util.stream.Stream;
 
 /**
- * Checks the paths of a command line before anything runs. A run may take long, and "--json
- * samples/night.json", where the user forgot the name of the result file, would overwrite the request.
+ * Checks the paths of a command line before anything runs, because a run may take long. Also protects request
+ * files: if the user forgot the name of the result file, as in "--json samples/night.json", the result would
+ * overwrite the request.
  */
 final class GivenPaths {
     /** The help's definition of FOLDER. */
@@ -102,7 +103,7 @@ final class GivenPaths {
         return this;
     }
 
-    /** Throws an IllegalArgumentException if an option's folder, which may be null or missing, is a file. */
+    /** Throws an IllegalArgumentException if the folder is a file. The folder may be null or missing. */
     GivenPaths folder(String option, Path folder) {
         if (folder != null && Files.exists(folder) && !Files.isDirectory(folder)) {
             throw new IllegalArgumentException(option + ": expected a folder, found a file: " + folder);
@@ -112,7 +113,7 @@ final class GivenPaths {
 
     private static boolean isRequest(Path file) {
         char[] head = new char[HEAD];
-        // All bytes are valid in this charset.
+        // This charset decodes any bytes, even those of a binary file.
         try (Reader reader = Files.newBufferedReader(file, StandardCharsets.ISO_8859_1)) {
             int length = reader.read(head);
             return length > 0 && REQUEST.matcher(new String(head, 0, length)).find();

@@ -7,8 +7,9 @@ import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import java.util.List;
 
 /**
- * The size of images that have no size of their own: the size of the frames made from a photo, else the size
- * of the first input's file, else the frame size in the request file.
+ * The size of images that have no size of their own. If the frames are made from a photo, it is their size.
+ * Otherwise it is the size of the first input, or the frame size in the request file if there is no input or
+ * if the first input is to be made from a photo.
  */
 public record FrameSize(int width, int height) {
     public static FrameSize of(RequestFile request, List<SynthesisedFrame> frames) {

@@ -13,7 +13,7 @@ public record PictureData(byte[] jpeg, int width, int height) {
     private static final float SMALL_QUALITY = 0.8f;
     private static final int SMALL_WIDTH = 640;
 
-    /** Returns the image in its own size, or halved until it fits into this many bytes. */
+    /** Encodes the image in its own size, or halves it until its JPEG file has at most `most` bytes. */
     public static PictureData of(BufferedImage image, int most) {
         for (BufferedImage scaled = image; ; scaled = scaled(scaled, Math.max(1, scaled.getWidth() / 2))) {
             for (float quality : QUALITIES) {
@@ -21,7 +21,7 @@ public record PictureData(byte[] jpeg, int width, int height) {
                 if (jpeg.length <= most) {
                     return new PictureData(jpeg, scaled.getWidth(), scaled.getHeight());
                 }
-                // A lower quality would hardly fit, so encoding with it would waste time.
+                // The file is far too large: trying a lower quality would waste time.
                 if (jpeg.length > 2L * most) {
                     break;
                 }
@@ -29,12 +29,12 @@ public record PictureData(byte[] jpeg, int width, int height) {
         }
     }
 
-    /** Returns the picture as a page shows it, of at most LARGEST bytes. */
+    /** Returns the picture as a page shows it, in a JPEG file of at most LARGEST bytes. */
     public static PictureData of(PixelRows picture) {
         return of(ShownImage.of(picture), LARGEST);
     }
 
-    /** Returns a JPEG file as it is, or encodes the image made from it if the file exceeds LARGEST. */
+    /** Returns the JPEG file unchanged, or encodes its image, `shown`, if the file exceeds LARGEST bytes. */
     public static PictureData of(byte[] file, PixelRows picture, BufferedImage shown) {
         return file.length <= LARGEST ? new PictureData(file, picture.width(), picture.height())
                 : of(shown, LARGEST);

@@ -45,7 +45,7 @@ final class SuiteReader {
             throw shot.error("expected captureResult (an object of tags) or captureResults (a list of such "
                     + "objects)");
         }
-        // The test writes values common to all frames only once; a request file has them in each result.
+        // The test writes the tags that all frames share once. A request file repeats them in each frame.
         if (shot.has("cameraProperties")) {
             ImportedFrame properties = new ImportedFrame();
             addTags(properties, shot.get("cameraProperties"));
@@ -93,8 +93,8 @@ final class SuiteReader {
         return true;
     }
 
-    // Converts a value to the form of request files. Returns a value of unknown form unchanged; the frame
-    // then drops the tag with a note.
+    // Converts a value to the form of request files. Returns a value of unknown form unchanged;
+    // ImportedFrame.put() then drops the tag and adds a note.
     private static Object converted(TagType type, Json value) {
         return switch (type) {
             case INT -> value.isBoolean() ? value.isTrue() ? 1 : 0 : value;

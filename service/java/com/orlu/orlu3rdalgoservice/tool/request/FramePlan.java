@@ -12,7 +12,7 @@ import java.util.Map;
  * @param noise         standard deviation of the noise, on a scale of 255
  * @param blur          standard deviation of the blur, in pixels
  * @param gain          factor for the brightness
- * @param shift         {x, y} in pixels; null for a random shift, or none in the first frame
+ * @param shift         {x, y} in pixels; null for a random shift; in the first frame, null for no shift
  */
 public record FramePlan(CameraMetadataNative captureResult, Map<String, Object> composition, double noise,
         double blur, double gain, int[] shift) {

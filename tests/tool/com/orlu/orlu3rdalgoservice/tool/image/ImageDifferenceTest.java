@@ -20,12 +20,12 @@ public final class ImageDifferenceTest {
         {"NV21", 4, 4, 4, 24, 9, 3, 2, 3, 50.6},
         {"NV21", 4, 4, 4, 24, 15, 100, 3, 100, 20.2},
         {"NV21", 4, 4, 6, 36, 4, 9, -1, 0, MOST},
-        // A chroma sample covers two rows, and changes luma only by rounding.
+        // A chroma sample covers two rows. It changes luma, and so the PSNR, only by rounding.
         {"NV21", 4, 4, 4, 24, 20, 10, 2, 15, MOST},
         {"YV12", 4, 4, 4, 24, 22, 10, 2, 18, MOST},
         {"R8G8B8A8", 2, 2, 8, 16, 13, 51, 1, 51, 24.6},
         {"R8G8B8A8", 2, 2, 8, 16, 7, 51, -1, 0, MOST},
-        // The bit depth is that of the largest sample, at least eight.
+        // The bit depth is the number of bits of the largest sample, but at least eight.
         {"RAW16", 2, 2, 4, 8, 7, 1, 1, 128, 12.0},
         {"RAW16", 2, 2, 4, 8, 0, 17, 0, 17, 29.5},
         {"MIPI_RAW10", 4, 2, 5, 10, 9, 3, 1, 3, 47.7},
@@ -64,7 +64,7 @@ public final class ImageDifferenceTest {
         Object[][] rows = {
             {"NV99", 4, 4, 4, 24}, {"NV21", 4, 4, 4, 23}, {"NV21", 0, 4, 4, 24}, {"NV21", 4, 0, 4, 24},
             {"JPEG", 4, 4, 4, 24}, {"MIPI_RAW10", 8, 2, 10, 19}, {"RAW16", 2, 2, 4, 7},
-            // Rows that are shorter than their pixels, and sizes whose product overflows an int.
+            // Strides that are too small for a row's pixels, and sizes whose product overflows an int.
             {"NV21", 6, 4, 4, 24}, {"R8G8B8A8", 2, 2, 4, 8}, {"RAW16", 1 << 16, 1 << 16, 1 << 17, 8},
             {"R8G8B8A8", 1 << 14, 1 << 16, 1 << 16, 8},
         };
@@ -73,7 +73,7 @@ public final class ImageDifferenceTest {
             assertNull(Arrays.toString(row), ImageDifference.of((String) row[0], (int) row[1],
                     (int) row[2], (int) row[3], bytes, bytes));
         }
-        // With odd sides, the memory may lack the last chroma pair, which must then not be read.
+        // If the sides are odd, the memory may end before the last chroma pair; reading the pair would throw.
         for (int height = 3; height < 6; ++height) {
             byte[] bytes = new byte[5 * height + 5 * height / 2];
             ImageDifference.of("NV21", 5, height, 5, bytes, bytes);
