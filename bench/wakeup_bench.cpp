@@ -1,5 +1,6 @@
-// Benchmark of the wake-up: from the start of the callback to the return of processImage(), relative to a
-// bare wake-up (the floor) of the same thread, with only a mutex and a condition variable.
+// Measures the wake-up: the time from the start of the callback to the return of processImage(). The floor is
+// the same time without the library: the same thread waits with only a mutex and a condition variable, then
+// replays the request's JNI calls.
 
 #include "algo_native_client.h"
 #include "algo_native_request_map.h"
@@ -71,7 +72,8 @@ void compare(benchmark::State& state, Request&& request, Floor&& floor, int warm
   state.counters["ratio"] = median(requests) / median(floors);
 }
 
-// The wait alone: from the callback to the end of waitForCallback(), without results.
+// Measures the wait alone: from the callback to the end of waitForCallback(). Neither request nor floor has
+// results.
 void waitBench(benchmark::State& state, int warmUp) {
   AnsweredByWorker answered;
   AlgoNativeClient client(nullptr, 0, 0);
@@ -111,7 +113,7 @@ void wakeupBench(benchmark::State& state, const ShotPlan& plan, int warmUp) {
 }  // namespace
 
 void registerWakeupBenches(const BenchSize& size) {
-  // A request without frames and compositions has no results, so that only the wake-up remains.
+  // A request without frames and compositions has no results, so only the wake-up is measured.
   ShotPlan bare;
   bare.frames = 0;
   const auto add = [&size](const std::string& name, const ShotPlan& plan) {

@@ -10,7 +10,8 @@
 
 namespace orlu {
 
-// Values on 32-bit ARM, as on the phone, and on a 64-bit workstation.
+// `phone` is the value on 32-bit ARM, `workstation` the value on a 64-bit machine. Only the value for the
+// machine of this build is checked.
 #if UINTPTR_MAX == UINT32_MAX
 #define ORLU_LAYOUT(found, phone, workstation) static_assert((found) == (phone), #found " is not " #phone)
 #else
@@ -64,15 +65,15 @@ ORLU_OFFSET(AlgoUninitRecord, client, 4, 8);
 ORLU_OFFSET(AlgoUninitRecord, mode, 8, 16);
 ORLU_SIZE(AlgoFlushRecord, 4, 8);
 
-// Records with strings or functions depend on the C++ library: libc++ on the phone, libstdc++ on a
-// workstation. Other combinations are not checked (docs/arm.md).
+// The layout of records with strings or functions depends on the C++ library: libc++ on the phone, libstdc++
+// on a workstation. Other combinations are not checked (docs/arm.md).
 #ifdef _LIBCPP_VERSION
 #define ORLU_HAS_LIBCXX 1
 #else
 #define ORLU_HAS_LIBCXX 0
 #endif
 #if (UINTPTR_MAX == UINT32_MAX) == ORLU_HAS_LIBCXX
-// GCC warns about records without standard layout, although its offsets are correct.
+// GCC warns about offsetof in records without standard layout, although the offsets are correct.
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Winvalid-offsetof"
 ORLU_SIZE(AlgoGetDataRecord, 24, 56);

@@ -78,7 +78,8 @@ jobject CameraMetadataParser::getMetadataObjectFromCaptureResult(jobject capture
   return find(mEnv, captureResult, parameter, key, valueClass);
 }
 
-// Lookups for the getters. The returned ScopedLocalRef frees the reference, unless a batch does.
+// Looks up a value for a getter. The returned ScopedLocalRef frees the reference, except in a batch, which
+// frees its references itself.
 ScopedLocalRef<> CameraMetadataParser::ask(jobject captureResult, jobject parameter, const char* key,
                                            jclass valueClass) {
   JNIEnv* const owner = referenceOwner();
@@ -131,7 +132,7 @@ jobject CameraMetadataParser::askComposition(jobject parameter, jstring name, co
                       "getMetadataObjectFromOrluAlgorithmParameter");
 }
 
-// Looks up a key in `object`; null if the object is not of the source's class.
+// Looks up a key in `object`. Returns null if `object` is not an instance of the source's class.
 jobject CameraMetadataParser::askTyped(const TypedSource& source, jobject object, KeyObjects& objects,
                                        const char* key, jclass valueClass, const char* operation) {
   if (source.keyClass == nullptr || source.keyConstructor == nullptr || source.get == nullptr ||

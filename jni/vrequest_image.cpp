@@ -27,8 +27,8 @@ int32_t twoBytesPerPixel(const AlgoFrameInfo& frame) {
   return product(product(frame.width, frame.height), 2);
 }
 
-// Classifies an image by its format name from Java: compares the start of the name with each known name that
-// is not longer.
+// Classifies an image by its format name from Java: finds the known name with which the format name begins.
+// Skips known names longer than the format name.
 class FormatClassifier {
 public:
   FormatClassifier(AlgoFrameInfo& frame, const char* name, size_t length)
@@ -68,12 +68,12 @@ private:
     mFrame.planeSize[0] = std::max(product(mFrame.stride[0], mFrame.height), mFrame.planeSize[0]);
     return format(kFormatMipiRaw10);
   }
-  // Oddity 3: the stride becomes the width, in pixels rather than bytes ...
+  // Oddity 3: RAW16's stride becomes the width, in pixels instead of bytes.
   bool raw16() {
     mFrame.stride[0] = mFrame.width;
     return rawSensor();
   }
-  // ... but RAW_SENSOR keeps its stride.
+  // RAW_SENSOR keeps its stride (Oddity 3).
   bool rawSensor() {
     mFrame.planeSize[0] = std::max(twoBytesPerPixel(mFrame), mFrame.planeSize[0]);
     return format(kFormatRaw16);
@@ -106,12 +106,13 @@ void copyHandle(const native_handle_t& from, AlgoNativeHandle& to) {
   std::swap(to.data[0], to.data[1]);  // Oddity 5
 }
 
-// Returns the descriptor of the pixels, the handle's second word (Oddity 5); -1 if it has no second word.
+// Returns the handle's second word, the descriptor of the pixels (Oddity 5); -1 for a shorter handle.
 int32_t pixelDescriptor(const native_handle_t& handle) {
   return wordCount(handle) >= 2 ? handle.data[1] : -1;
 }
 
-// Replaces plane sizes that the Java side omitted or set to the size of the image's entire memory.
+// Computes the chroma size if Java sent none, and the luma size if Java's is at least the size of the
+// image's entire memory.
 void fixNvPlanes(AlgoFrameInfo& frame) {
   if (frame.planeSize[1] <= 0) frame.planeSize[1] = product(frame.stride[0], frame.scanline[0], 2);
   if (frame.planeSize[0] >= frame.fdSize[0]) frame.planeSize[0] = product(frame.stride[0], frame.scanline[0]);

@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Queries ./run for tags, algorithms, parameters, formats and samples, and compares its statements with runs:
-catalogue_test.py BUILD_FOLDER"""
+"""Queries ./run for its catalogues of tags, algorithms, parameters, formats and samples, and compares the
+catalogues' statements with runs: catalogue_test.py BUILD_FOLDER"""
 
 import json
 import re
@@ -12,9 +12,9 @@ sys.path.insert(0, str(Path(__file__).parent / "support"))
 from command import ROOT, failures, finish, run  # noqa: E402
 
 PARTS = ("tags", "algorithms", "parameters", "formats", "samples")
-# Samples whose runs are compared with the statements: one with processed input, one with raw input.
+# Samples to run for the comparison with the catalogues: one with processed input, one with raw input.
 SAMPLES = ("capture", "hdr5")
-# Sample and algorithm for tags whose values have no effect with the defaults, capture.json and jpegEncode.
+# Sample and algorithm for tags whose values have no effect with the default pair (capture.json, jpegEncode).
 BASES = {"orlu.doubleExpo.isMirror": ("double-exposure", "flip"), "orlu.control.motionVersion": ("capture", "rawenhance"),
          "orlu.control.RequestLeftInThisSnapshot": ("hdr9", "gra")}
 
@@ -77,7 +77,7 @@ def check_lists():
 
 
 def check_claims(parts):
-    """Compares the stated types and sizes with those of runs."""
+    """Compares the catalogues' types and sizes with the types and sizes in runs."""
     parameters = {(entry["section"], entry["key"]): entry for entry in parts["parameters"]}
     java_types = {entry["name"]: entry["javaType"] for entry in parts["tags"]}
     with tempfile.TemporaryDirectory() as folder:
@@ -122,7 +122,7 @@ def with_tag(tag, value):
 
 
 def check_values(tags):
-    """Checks the stated effects of each value on parameters and the algorithm list."""
+    """Checks the effects on parameters and the algorithm list that the catalogue states for each value."""
     claims = []
     for entry in tags:
         for value in entry["values"]:

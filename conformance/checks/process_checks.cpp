@@ -11,7 +11,7 @@
 namespace orlu::conform {
 namespace {
 
-// Generates random values, most of them in the service's usual sizes, a quarter in other sizes.
+// Generates random values: three quarters in the size that the service uses, a quarter in random sizes.
 class RandomValues {
 public:
   explicit RandomValues(unsigned seed) : mRandom(seed) {}

@@ -38,9 +38,9 @@ private:
   std::vector<Luma> mLevels;
 };
 
-// Returns the shift, in samples of the finest level, with the least mean difference. Searches from the
-// coarsest level to the finest. Both pyramids must have the same shape. Ignores an overall difference in
-// brightness.
+// Returns the shift, in samples of the finest level, that minimises the mean difference between the two
+// frames. Searches from the coarsest level to the finest. Ignores an overall difference in brightness. Both
+// pyramids must have the same shape.
 Shift estimateShift(const LumaPyramid& base, const LumaPyramid& other);
 
 }  // namespace orlu::standin

@@ -31,7 +31,7 @@ void withFile(JNIEnv* env, jbyteArray path, Use use) {
   }
 }
 
-// Calls `to.put(int, short[])` for every row until it throws.
+// Calls `to.put(int, short[])` for each row, and stops if a call throws.
 void putRows(JNIEnv* env, const orlu::host::DngFile& file, const uint16_t* samples, jobject to) {
   jclass clazz = env->GetObjectClass(to);
   const jmethodID put = env->GetMethodID(clazz, "put", "(I[S)V");
@@ -47,7 +47,7 @@ void putRows(JNIEnv* env, const orlu::host::DngFile& file, const uint16_t* sampl
 
 #define DNG_FILE(method) Java_com_orlu_orlu3rdalgoservice_tool_imagefile_DngFile_##method
 
-// Returns width, height and bit depth; null with an IOException.
+// Returns width, height and bit depth. Returns null after a failure, with a Java exception pending.
 extern "C" JNIEXPORT jintArray JNICALL DNG_FILE(nDescribe)(JNIEnv* env, jclass, jbyteArray path) {
   jintArray described = nullptr;
   withFile(env, path, [env, &described](const orlu::host::DngFile& file) {

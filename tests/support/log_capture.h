@@ -10,7 +10,8 @@
 
 namespace orlu::test {
 
-// A logged line. Most begin with "file.cpp:12 function() "; otherwise file and function are empty.
+// A logged line. Most lines begin with "file.cpp:12 function() "; for the others, `file` and `function` are
+// empty.
 struct LogLine {
   int priority;
   std::string tag;
@@ -31,14 +32,14 @@ public:
 
   std::vector<LogLine> lines() const;
   void clear();
-  // Returns the number of lines with this priority, tag and message, and any prefix.
+  // Returns the number of lines with this priority, tag and message, whatever their prefix.
   int count(int priority, const std::string& tag, const std::string& message) const;
   int errors(const std::string& tag, const std::string& message) const {
     return count(ANDROID_LOG_ERROR, tag, message);
   }
   // Returns true if text() contains this part.
   bool contains(const std::string& part) const;
-  // Returns all lines captured so far that have a prefix, without duplicates.
+  // Returns every line with a prefix that any capture has received so far, without duplicates.
   static std::vector<LogLine> everything();
   // Returns all lines as "tag: file function() message", each with a newline.
   std::string text() const;

@@ -63,7 +63,7 @@ public final class ExplanationPrinter {
             mLines.list("perhaps", near);
             return;
         }
-        // Includes the section if the user typed one.
+        // Compares a word that contains a section with SECTION/KEY, any other word with KEY alone.
         String nearest = NearestWord.of(word, possible.stream().map(Handover::shortName)
                 .map(name -> word.contains("/") ? name : name.replaceFirst(".*/", "")).toList());
         if (nearest != null) {

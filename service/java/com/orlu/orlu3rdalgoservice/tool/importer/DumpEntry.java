@@ -17,7 +17,7 @@ record DumpEntry(int line, String tag, String number, String type, long count, L
         return ":" + line;
     }
 
-    /** The problem if there are too few or too many values; null if the entry is complete. */
+    /** Returns a problem if there are too few or too many values; null if the entry is complete. */
     String incompleteness() {
         if (values.size() == count) {
             return null;

@@ -7,11 +7,11 @@ import java.util.List;
 
 /** Explains a verdict's reasons in detail, and names the page's tab that shows them. */
 public final class VerdictFindings {
-    /** The finding for reasons that contain one of `words`. */
+    /** A kind of finding, for reasons that contain one of `words`. */
     private record Kind(String name, Tab tab, String what, String why, String... words) {
     }
 
-    // The first match counts.
+    // The first kind that matches a reason explains it.
     private static final List<Kind> KINDS = List.of(
             new Kind("breach", Tab.TIMELINE, "The service or the algorithm library broke the contract.",
                     "The event number identifies the call in the timeline and in the file of --events. "
@@ -50,8 +50,8 @@ public final class VerdictFindings {
     }
 
     /**
-     * Returns a finding for each reason. Skips the name of the crash file, and the reasons about outputs:
-     * ImageFindings explains those.
+     * Returns a finding for each reason. Skips the reason that names the crash file. Also skips reasons about
+     * outputs, which ImageFindings explains.
      */
     public static List<Finding> of(Verdict verdict) {
         List<Finding> findings = new ArrayList<>();

@@ -18,12 +18,12 @@ public final class LineFile {
     private final Predicate<String> mWanted;
     private long mRead;
 
-    /** Whether an event line is not a tag look-up. About half of all events are look-ups. */
+    /** Returns false for the event line of a tag look-up. About half of all events are look-ups. */
     public static boolean isNoLookup(String line) {
         return !line.contains("\"event\":\"lookup\"");
     }
 
-    /** Reads lines that are appended from now on. The file need not exist yet; null reads nothing. */
+    /** Reads lines that are appended from now on. The file need not exist yet. A null file has no lines. */
     public LineFile(Path file, Predicate<String> wanted) {
         mFile = file;
         mWanted = wanted;
@@ -38,7 +38,7 @@ public final class LineFile {
     }
 
     /**
-     * Returns the wanted lines added since the last call. The next call reads an incomplete line again.
+     * Returns the wanted lines added since the last call. Leaves an incomplete last line for the next call.
      * Throws IllegalStateException if a line is not a JSON object.
      */
     public List<Json> next() throws IOException {
