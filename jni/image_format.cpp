@@ -8,7 +8,7 @@ namespace {
 
 constexpr auto& kLogTag = VRequest::kLogTag;
 
-// Name of a code without a name. The misspelling is oddity 4.
+// The name of codes that have no name of their own. The misspelling is intended (Oddity 4).
 constexpr char kUndefined[] = "undefineFromat";
 
 // Names of the image-format codes 1 to 33.
