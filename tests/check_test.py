@@ -98,7 +98,7 @@ FIELDS = [
      "2:70: frames.each[0].shift[1]: expected a whole number from -64 to 64, found 99",
      "2:76: frames.each[1]: expected an object, found 7"),
     (request('"frames": {"count": 1, "each": [{}, {}]}'),
-     "2:32: frames.each: has 2 frames, more than count"),
+     "2:32: frames.each: has 2 frames, but count is 1"),
     (request(inputs='{"format": "nv21", "memory": "hard", "stride": -1}'),
      f'1:45: inputs.format: {FORMATS} "nv21" (did you mean NV21?)',
      '1:63: inputs.memory: expected "shared" or "hardware", found "hard" (did you mean hardware?)',
@@ -135,7 +135,7 @@ TAGS = [
     ("android.lens.aperture", "1e39",
      "expected a number in the range of a float (up to 3.4028235E38), found 1E39; the tag is FLOAT "
      "(f-number)"),
-    ("android.scaler.cropRegion", "[1, 2]", "expected a list of 4, found 2 elements; the tag is RECT (px)"),
+    ("android.scaler.cropRegion", "[1, 2]", "expected a list of 4 elements, found 2; the tag is RECT (px)"),
     ("com.orlu.chi.override.CameraType", '{"txt": "Tele"}',
      'expected exactly one of hex, text, int8, int16, int32, int64, float, double, found "txt" (did you '
      'mean text?); the tag is BYTES (text)'),
@@ -152,7 +152,7 @@ WARNINGS = [
     (request('"frames": [{"composition": {"isFulAsync": 1, "orlu.control.camera_id": {"long": 5}}}]'),
      "2:43: frames[0].composition.isFulAsync: no such tag (did you mean isFullAsync?)",
      '2:72: frames[0].composition."orlu.control.camera_id": expected Integer (the tag is INT), found '
-     "Long; treated as absent"),
+     "Long; the tag is treated as absent"),
     (request('"frames": {"count": 5, "common": {"captureResult": {"orlu.control.currentModeEx": 2}}}'),
      "2:11: frames: orlu.control.currentModeEx forms no bracket; expected 5 or 7 frames (1 night frame, "
      "the others HDR frames), 9 frames (3 night frames, then 6 HDR frames), or 3 frames with the algorithm "

@@ -17,7 +17,7 @@ sys.path.insert(0, str(Path(__file__).parent / "support"))
 from command import expect, finish, run  # noqa: E402
 from image_files import BYTE, SHORT, dng, read_pgm  # noqa: E402
 
-NO_DNG = "not a DNG file, or a damaged one: no header with a DNGVersion in it"
+NO_DNG = "not a valid DNG file: no header contains a DNGVersion"
 
 
 def sensor(bits):

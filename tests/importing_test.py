@@ -116,7 +116,7 @@ def reads_suite():
         "2147483647, found 2147483648",
         "captureResults[2]: dropped; not an object of tags",
         "outputs[2]: dropped; expected width, height and a format of [dng, jpeg, jpg, raw, raw10, yuv]",
-        "captureRequest: ignored; not a result",
+        "captureRequest: ignored; not a result or an output",
         "odd.raw: note: dropped; no output in a JSON file has 383 bytes"],
         [line.split("suite.json: note: ")[-1] for line in lines[:-1]])
     expect("suite runs", 0, run("--out", "out", "made/shot.json").returncode)

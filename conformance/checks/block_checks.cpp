@@ -113,14 +113,16 @@ void checkSetValue() {
   block.set(kControl, kKey, withZero);
   HOLDS(read(block, kControl, kKey, 5) == withZero) << "a value is cut at a zero byte";
   HOLDS(read(block, kParameter, kKey, kMostBytes) == pattern(kMostBytes, static_cast<int>(kMostBytes)))
-      << "a value of one section replaces that of another under the same key";
+      << "setting a key in one section changes the value of this key in another section";
 
   Block other;
   other.set(kControl, kKey, "other");
-  HOLDS(read(block, kControl, kKey, 5) == withZero) << "a value of one block replaces that of another";
+  HOLDS(read(block, kControl, kKey, 5) == withZero)
+      << "setting a key in one block changes its value in another block";
   block.set(kControl, kKey, "later");
   HOLDS(read(block, kControl, kKey, 5) == "later") << "a value that is set again keeps its old bytes";
-  HOLDS(read(other, kControl, kKey, 5) == "other") << "a value of one block replaces that of another";
+  HOLDS(read(other, kControl, kKey, 5) == "other")
+      << "setting a key in one block changes its value in another block";
   block.set(kControl, kKey, "xy");
   int status = 0;
   HOLDS(block.written(kControl, kKey, 5, status).size() <= 2)
@@ -195,7 +197,7 @@ void checkVisitors() {
     int visits = 0;
     const AlgoMetadataVisitor visitor = [&](const char* section, const char* key, void* data, unsigned size) {
       ++visits;
-      HOLDS(section != nullptr && key != nullptr) << "a visitor gets no section or no key";
+      HOLDS(section != nullptr && key != nullptr) << "a visitor gets a null section or key";
       HOLDS(data != nullptr && size > 0) << "a visitor gets " << size << " bytes at " << data;
       HOLDS(std::this_thread::get_id() == self) << "a visitor is called on another thread";
       // Deadlocks if the library holds a lock during the visit.

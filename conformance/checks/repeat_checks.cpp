@@ -131,7 +131,7 @@ void checkRepeats() {
     // The sizes differ if withoutFacts() removed EXIF blocks of different lengths. Such JPEGs are not
     // compared.
     if (seen[0].size() != seen[1].size() || seen[0].size() != seen[2].size()) return;
-    report(what + " with fresh memory poisoned by 0x11 and 0xEE", seen[0], seen[1],
+    report(what + " with fresh memory filled with 0xEE, then 0x11", seen[0], seen[1],
            "uninitialised memory is read");
     if (seen[0] == seen[1]) {
       report(what + " before and after requests with other pictures", seen[1], seen[2],

@@ -139,7 +139,7 @@ void checkKeys() {
       << " letters: " << wrong
       << "; usual cause: names are cut to a fixed length, or the values are in a fixed array";
   note(std::to_string(entries.size()) + " values, " + std::to_string(std::size(kParameters)) +
-       " of them sent by the service");
+       " of them parameters of the service");
 }
 
 void checkThreads() {

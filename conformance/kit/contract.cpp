@@ -35,12 +35,12 @@ constexpr char kText[] =
   Descriptors are valid until the end of a synchronous request; for a full-async one, only until
   process returns, even if its callback is still to come. The descriptor passed to
   translateParamFile is valid until translateParamFile returns.
-- **The cookie** is the address of a function, one for each client, that stays valid until the
-  process ends. It may be called on any thread, on several at once, before process returns, after
-  the client is destroyed, and with any bytes. It throws nothing and stores none of its arguments.
-  For a synchronous request it wakes a thread and returns. For a full-async one, and for a
-  light-stream event, it calls Java and returns when Java returns; on a thread that is not attached
-  to the Java VM, the callback is lost. Threads that are not attached stay unattached.
+- **The cookie** is the address of a function. Each client has its own cookie, which stays valid
+  until the process ends. It may be called on any thread, on several at once, before process
+  returns, after the client is destroyed, and with any bytes. It throws nothing and stores none of
+  its arguments. For a synchronous request it wakes a thread and returns. For a full-async one, and
+  for a light-stream event, it calls Java and returns when Java returns; on a thread that is not
+  attached to the Java VM, the callback is lost. Threads that are not attached stay unattached.
 - **Waiting.** A synchronous request waits up to 10 seconds for its callback, from the return of
   process, and then reads the results as they are. Nothing is aborted. A full-async request has no
   timeout.
@@ -63,12 +63,12 @@ constexpr char kText[] =
   `{key}`; the service reads {answer} bytes of it, up to the first zero byte.
 - **The library promises** in return, besides the lifetimes above:
   - **Pixels.** If input and output have the same format, width and height, every pixel of every
-    plane of every output is written, at the output's own strides, including the last chroma
-    column and row of an image with odd sides. Inputs, padding, and bytes between planes and after
-    an image stay unchanged. These outputs may stay unwritten: one of another format or size, one of
-    an unknown format, and a JPEG that does not fit, whose size is then 0. `planeData` is null: map
-    the descriptor to access the memory. Equal requests give equal bytes, independent of the
-    previous contents of memory and of previous requests.
+    plane of every output is written, at the output's own strides, including the last chroma column
+    and row of an image with odd sides. Inputs, padding, and bytes between planes and after an image
+    stay unchanged. These outputs may stay unwritten: one whose format or size differs from the
+    input's, one of an unknown format, and a JPEG that does not fit, whose size is then 0.
+    `planeData` is null: map the descriptor to access the memory. Equal requests give equal bytes,
+    independent of the previous contents of memory and of previous requests.
   - **Values.** A block stores {values} values; sections and keys have up to 120 characters and
     are compared whole. Several threads may use blocks at once, also the same block.
   - **Clients.** destroyClient returns when all work for the client has stopped, and releases the

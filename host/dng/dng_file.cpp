@@ -69,7 +69,7 @@ bool DngFile::inRange(const char* name, int64_t value, int least, int most) {
 
 bool DngFile::findImage(int openStatus) {
   if (imgdata.idata.dng_version == 0) {
-    return fail("not a DNG file, or a damaged one: no header with a DNGVersion in it");
+    return fail("not a valid DNG file: no header contains a DNGVersion");
   }
   const unsigned images = libraw_internal_data.identify_data.tiff_nifds;
   const auto end = tiff_ifd + std::min(images, unsigned{LIBRAW_IFD_MAXCOUNT});

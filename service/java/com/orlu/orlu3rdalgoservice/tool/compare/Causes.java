@@ -84,7 +84,7 @@ public final class Causes {
                 .forEach(tag -> tags.computeIfAbsent(tag.tag(), key -> new TreeSet<>()).add(tag.frame()));
         if (tags.isEmpty()) {
             return problem().isEmpty() ? "it depends on no tag of any frame"
-                    : "its tags are unknown";
+                    : "the tags that it depends on are unknown";
         }
         List<String> found = new ArrayList<>();
         tags.forEach((tag, frames) -> found.add(Frames.text(frames) + " " + tag));

@@ -35,7 +35,7 @@ final class GivenNotes {
         List<List<GivenTag>> tags = grouped(GivenTag.of(mOne, mOther));
         tags.stream().limit(MOST_TAGS).forEach(tag -> mLines.add(line(tag)));
         if (tags.size() > MOST_TAGS) {
-            mLines.add("and " + (tags.size() - MOST_TAGS) + " more tags that differ");
+            mLines.add("and " + (tags.size() - MOST_TAGS) + " more tags differ");
         }
         return mLines;
     }

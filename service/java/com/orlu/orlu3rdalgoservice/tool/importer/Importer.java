@@ -122,7 +122,7 @@ public final class Importer {
         List<ImportedFrame> frames = new DumpReader(mNotes).frames(lines);
         if (frames.isEmpty()) {
             throw new MistakeException(file.toString(), "",
-                    "unknown form; expected a metadata buffer with entries, JSON or a picture");
+                    "unknown form; expected a dump with metadata entries, JSON or a picture");
         }
         mFrames.addAll(frames);
     }

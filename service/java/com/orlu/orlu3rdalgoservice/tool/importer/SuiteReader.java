@@ -54,7 +54,7 @@ final class SuiteReader {
         addEach(shot.get("outputs"), this::addOutput);
         for (String member : members.keySet()) {
             if (!List.of("cameraProperties", "captureResult", "captureResults", "outputs").contains(member)) {
-                mNotes.add(member, "ignored; not a result");
+                mNotes.add(member, "ignored; not a result or an output");
             }
         }
     }

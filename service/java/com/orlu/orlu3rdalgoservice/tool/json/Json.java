@@ -289,7 +289,7 @@ public final class Json implements JsonWriter.Source {
     public List<Json> list(int count) throws MistakeException {
         List<Json> elements = list();
         if (elements.size() != count) {
-            throw error("expected a list of " + count + ", found " + elements.size() + " elements");
+            throw error("expected a list of " + count + " elements, found " + elements.size());
         }
         return elements;
     }

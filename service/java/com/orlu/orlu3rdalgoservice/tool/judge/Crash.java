@@ -89,7 +89,7 @@ public final class Crash {
         }
         Call last = calls.get(calls.size() - 1);
         return last.hasThrown() ? "after " + operation(last) + " " + last.outcome()
-                : "on a thread of its own; the last operation was " + operation(last);
+                : "outside of any operation; the last operation was " + operation(last);
     }
 
     private static String operation(Call call) {

@@ -49,7 +49,7 @@ final class FrameSetReader {
         List<Json> each = set.list("each");
         int count = set.has("count") ? set.get("count").integer(0, Limits.FRAMES) : Math.max(1, each.size());
         if (each.size() > count) {
-            throw set.get("each").error("has " + each.size() + " frames, more than count");
+            throw set.get("each").error("has " + each.size() + " frames, but count is " + count);
         }
         if (set.has("width") != set.has("height")) {
             mMistakes.add(mField.error("expected both width and height, or neither"));

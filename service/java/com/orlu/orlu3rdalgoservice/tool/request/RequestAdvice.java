@@ -110,7 +110,7 @@ final class RequestAdvice {
                 } else if (found != type.stored()) {
                     field(i, "composition", entry.getKey()).warn("expected " + type.stored().getSimpleName()
                             + " (the tag is " + type + "), found " + found.getSimpleName()
-                            + "; treated as absent");
+                            + "; the tag is treated as absent");
                 }
             }
         }

@@ -56,7 +56,9 @@ public final class RequestTags {
                 Object read = TagValues.ofTag(name, field, i);
                 field.mistakes().throwFirst();
                 Map<String, Object> composition = frames.get(i).composition();
-                if (composition.replace(name, read) == null) {
+                if (composition.containsKey(name)) {
+                    composition.put(name, read);
+                } else {
                     frames.get(i).captureResult().set(name, read);
                 }
             }

@@ -64,7 +64,7 @@ function memoryCard(images) {
       : image.name.split(" ")[0] + "s " + images.map(each => each.name.split(" ")[1]).join(", ");
   const layout = image.layout;
   const notes = [];
-  if (image.problem) notes.push(["wrong", "It is " + image.problem + "."]);
+  if (image.problem) notes.push(["wrong", "This image is " + image.problem + "."]);
   if (image.written) notes.push(["wrong", "The algorithm library changed bytes of this input."]);
   if (layout.missing > 0)
     notes.push(["wrong", "The planes exceed the memory by " + bytes(layout.missing) + "."]);

@@ -20,7 +20,7 @@ function parametersPanel() {
       h(
         "p",
         {class: "faint"},
-        "All values in the order in which the algorithm library received them. Click a key to see its source. " +
+        "The values are in the order in which the algorithm library received them. Click a key to see its source. " +
           "Values struck out were replaced by a later write. " +
           note,
       ),

@@ -326,7 +326,7 @@ function hatch() {
 
 function timelinePanel() {
   if (!data.trace.some(event => event.ph === "X")) {
-    return {element: h("p", {class: "card"}, "Nothing was recorded.")};
+    return {element: h("p", {class: "card"}, "The recording contains no calls.")};
   }
   const view = new TimelineView(data.trace);
   return {element: view.element, onShow: () => view.draw(), view};

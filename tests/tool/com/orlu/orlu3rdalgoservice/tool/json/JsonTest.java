@@ -48,7 +48,7 @@ public final class JsonTest {
                 of(root -> root.get("list").list().get(3).string()));
         assertEquals("f:5:40: list[4].deep[0]: expected an object, found true",
                 of(root -> root.get("list").list().get(4).get("deep").list().get(0).members()));
-        assertEquals("f:5:10: list: expected a list of 2, found 5 elements",
+        assertEquals("f:5:10: list: expected a list of 2 elements, found 5",
                 of(root -> root.get("list").list(2)));
         assertEquals("f:5:1: missing field none", of(root -> root.require("none")));
         assertEquals("f:5:10: list: expected an object, found a list",

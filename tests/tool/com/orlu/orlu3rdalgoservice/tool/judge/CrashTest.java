@@ -47,13 +47,13 @@ public final class CrashTest {
                 ended + "signal 8 (SIGFPE) in setValue of s/k"},
             {LOAD + "begin 2 init", 132, "", ended + "signal 4 (SIGILL) in init"},
             {LOAD + "begin 2 init\nend 2 init", 193, "",
-                ended + "signal 65 on a thread of its own; the last operation was init"},
+                ended + "signal 65 outside of any operation; the last operation was init"},
             {LOAD + "begin 2 init\nend 2 init 'thrown': 'int', 'what': '5'", 134, "",
                 ended + "signal 6 (SIGABRT) after init threw int: 5"},
             {LOAD + "begin 2 process 'reqId': 7", 130, "",
                 "stopped by signal 2 (SIGINT), with process of request 7 still running"},
             {LOAD, 143, "", "stopped by signal 15 (SIGTERM)"},
-            {LOAD, 128, "", ended + "exit 128 on a thread of its own; the last operation was load"},
+            {LOAD, 128, "", ended + "exit 128 outside of any operation; the last operation was load"},
             {"", 1, "", "the process ended by exit 1 before an algorithm library was open"},
         };
         for (Object[] row : rows) {
