@@ -28,7 +28,7 @@ record Closeness(double tolerance) {
         }
         List<Json> left = one.elements();
         List<Json> right = other.elements();
-        if (!one.isList() || left.size() != right.size()) {
+        if (!one.isList() || !other.isList() || left.size() != right.size()) {
             return false;
         }
         for (int i = 0; i < left.size(); ++i) {
