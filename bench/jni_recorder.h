@@ -31,7 +31,7 @@ private:
 
   test::ScopedJniFunctions mFunctions;
   JniRecording& mRecording;
-  std::unordered_map<const void*, uint32_t> mSlots;  // of live objects and buffers
+  std::unordered_map<const void*, uint32_t> mSlots;  // slots of live objects and buffers
   std::vector<int> mFrames;  // number of live references at the start of each local frame
   int mReferences = 0;
   bool mIsInside = false;  // inside a recorded call

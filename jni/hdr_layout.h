@@ -1,4 +1,4 @@
-// Bracketing layouts: derives the HDR process type of a series of frames from their mode bits.
+// Bracketing layouts: derives the HDR process type of a request from the mode bits of its frames.
 #pragma once
 
 #include <array>
@@ -7,7 +7,7 @@
 
 namespace orlu {
 
-// Number of HDR frames in the algorithms' tables.
+// Number of slots for HDR frames in the algorithms' tables.
 constexpr size_t kHdrSlots = 6;
 using HdrFrameIndex = std::array<int32_t, kHdrSlots>;
 
@@ -29,7 +29,8 @@ using FrameModes = std::array<uint64_t, 9>;
 
 struct HdrLayout {
   HdrProcessType type = kHdrNone;
-  // Index of the last night frame, even if the layout does not match; 0 without one, and for nine frames.
+  // Index of the last night frame, even if the layout does not match. 0 if there is no night frame; always 0
+  // with nine frames.
   int32_t nightIndex = 0;
   int hdrCount = 0;
   int nightCount = 0;

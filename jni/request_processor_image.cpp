@@ -1,4 +1,4 @@
-// Passes a request to the algorithms and writes their results back to Java.
+// Passes a request to the algorithm library and writes the results back to Java.
 
 #include <optional>
 #include <utility>
@@ -22,7 +22,7 @@ ALGO_REQUEST_TYPE requestTypeOf(const VRequest& request) {
   return request.isStopProcess() ? kRequestStop : kRequestCapture;
 }
 
-// Selects the capture result that supplies the request's camera metadata.
+// Returns the index of the capture result that supplies the request's camera metadata.
 int metadataFrame(MetadataUpdater& updater, const VRequest& request) {
   int hdrType = 0;
   int frameIndex = -1;
@@ -58,7 +58,7 @@ public:
     mStage = kFinishing;
     return true;
   }
-  // Not inlined: the updater takes much stack, which may be scarce.
+  // Not inlined: the result updater needs much stack, and little stack may be left.
   [[gnu::noinline]] void finish() {
     ResultUpdater(&mClient, algoList, mRequest, metadata, &mParser).updateResult();
     letGo();
@@ -73,7 +73,7 @@ public:
         break;
       case kSubmitted:
         context.destroyMetadata(map().releaseBlock(*nativeReq, kUsedBySubmission));
-        // If the client was destroyed before this request was added, the destructor missed the request.
+        // If the client was destroyed before enter() added this request, the client's destructor missed it.
         if (context.isClientDestroyed()) mClient.releaseRequests();
         break;
       case kFinishing:
@@ -158,8 +158,8 @@ int RequestProcessor::processImageAlgo(VRequest& request, std::vector<std::strin
       parser->getMetadata(index < results.size() ? results[index] : nullptr);
   client->context().process(requestTypeOf(request), algoList, nativeReq, request.inputFrames(),
                             request.outputFrames(), metadata, client->callbackCookie(), reqId, metadataBytes);
-  // Does not wait if Java has destroyed the client meanwhile: the library will not call back. After a
-  // timeout, the request continues and its results are written (Oddity 46).
+  // If Java has destroyed the client meanwhile, doesn't wait, because the library will not call back. After a
+  // timeout, the request continues, and its results are written (Oddity 46).
   if (!isFullAsync && !client->context().isClientDestroyed()) {
     AlgoNativeRequestMap::getInstance()->waitForCallback(nativeReq);
   }

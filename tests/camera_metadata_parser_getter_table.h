@@ -24,7 +24,7 @@ using P = CameraMetadataParser;
 // Arguments of a getter. Only some getters use `parameter` and `capacity`.
 struct Ask {
   const char* key;
-  jobject source;  // the capture result, or what a getter with one source reads from
+  jobject source;  // capture result, composition or characteristics
   jobject parameter;
   int capacity;
 };
@@ -41,7 +41,7 @@ int call(Get get, P& parser, const Ask& ask, Outputs&&... outputs) {
 // Value of numeric outputs before the call.
 constexpr int kUnwritten = -77;
 
-// Returns "status: elements". Unwritten elements are "#"; those after the last written element are omitted.
+// Returns "status: elements". Shows unwritten elements as "#", but omits them after the last written element.
 template <typename Elements>
 std::string told(int status, const Elements& elements) {
   std::ostringstream text;
@@ -56,7 +56,8 @@ std::string told(int status, const Elements& elements) {
   return text.str();
 }
 
-// Passes a record to `get`, and returns told() of the record's elements, including padding.
+// Passes a record to `get`. Returns the status and the record's elements, including padding, in the form of
+// told().
 template <typename Element, typename Record, typename Get>
 std::string readAs(Get get) {
   Element elements[sizeof(Record) / sizeof(Element)];
@@ -82,7 +83,8 @@ std::string read(int (P::*get)(T*, int, const char*, Sources...), P& parser, con
   return readAs<T, Array>([&](Array& array) { return call(get, parser, ask, array.values, ask.capacity); });
 }
 
-// Shows zero bytes as "." and unwritten bytes as "#". Omits a buffer that the getter only zeroed.
+// Returns the status and the buffer, with zero bytes as "." and unwritten bytes as "#". Omits the buffer if
+// the getter only zeroed it.
 template <typename... Sources>
 std::string read(int (P::*get)(char*, int, const char*, Sources...), P& parser, const Ask& ask) {
   std::string buffer = "######";
@@ -148,7 +150,7 @@ struct Getter : NamedCase {
   const char* key;
   jobject (*value)();
   const char* text;               // expected outputs
-  jobject (*wrong)() = fraction;  // a value of a wrong type, put into a composition
+  jobject (*wrong)() = fraction;  // makes a composition's value of a wrong type
 };
 
 inline constexpr char kInteger[] = "java/lang/Integer";
@@ -184,7 +186,7 @@ inline const Getter kGetters[] = {
     {PARAMETER(getFaceInfoOrlu),          "faces",  JAVA(javaFaces({{1, 2, 3, 4}})), "1 1 2 3 4"},
     {PARAMETER(getRectInfoOrlu),          "rect",   JAVA(javaRect({1, 2, 3, 4})), "1 2 3 4"},
     {PARAMETER(getMeteringRectangleOrlu), "region", JAVA(javaRegions({{1, 2, 3, 4}, {5, 6, 7, 8}}, 9)), "1 2 3 4"},
-    // These two accept only boxed arrays.
+    // The next two getters accept only boxed arrays.
     {PARAMETER(getIntArrayOrlu),          "ints",   JAVA(javaArray(kInteger, {javaInt(1), javaInt(2), javaInt(3)})), "1 2 3", JAVA(javaInts({1, 2, 3}))},
     {PARAMETER(getFloatArrayOrlu),        "floats", JAVA(javaArray(kFloat, {javaFloat(1), javaFloat(2), javaFloat(3)})), "1 2 3", JAVA(javaFloats({1, 2, 3}))},
 

@@ -49,7 +49,8 @@ int plainUnmap(void* address, size_t size) {
 
 #if !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
 
-// The functions have names of their own, because the C library's headers declare the originals differently.
+// The replacements have other names in C++, because the C library's headers declare the replaced functions
+// differently.
 #define INSTEAD_OF(name) __asm__(#name) __attribute__((visibility("default"), used))
 #define CALLER __builtin_return_address(0)
 

@@ -1,4 +1,4 @@
-// The probe's recording of pixels, and its handling of invalid descriptors.
+// Tests how the probe records pixels and handles invalid descriptors.
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
@@ -39,7 +39,8 @@ std::string contentOf(const std::string& path) {
   return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// Tests each descriptor number, because a 32-bit process in the emulator can't list some folders.
+// Counts open descriptors. Checks each number instead of listing a folder, because a 32-bit process in the
+// emulator can't list some folders.
 size_t openDescriptors() {
   constexpr int kMost = 1024;
   size_t open = 0;
@@ -97,7 +98,8 @@ TEST(PixelFile, StoresMappedMemoryOrReportsTheProblem) {
   for (const int fd : {nine, big, empty, event, unreadable}) close(fd);
 }
 
-// Touching a mapped page that no longer exists would kill the process.
+// Another thread shrinks the file meanwhile. Touching a mapped page beyond the file's end would kill the
+// process.
 TEST(PixelFile, SurvivesShrinkingMemory) {
   constexpr off_t kSize = off_t{20} << 20;
   const std::string path = testing::TempDir() + "shrinking_" + std::to_string(getpid());
@@ -147,7 +149,7 @@ protected:
   }
 
   // Runs a request and closes its descriptors after process() returns, as for a full-async request. Then
-  // calls back with this name unless it is null.
+  // makes the callback `callbackName`, or no callback if the name is null.
   void run(const std::string& in, const std::string& out, int result, const char* callbackName) {
     AlgoInterfaceCallbacks real;
     real.destroyClient = [](void*) { return 0; };

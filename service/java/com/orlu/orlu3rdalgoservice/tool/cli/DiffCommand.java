@@ -62,7 +62,8 @@ final class DiffCommand implements Subcommand {
         return mComparison.finish();
     }
 
-    // Returns the runs of one side. Reads them from files, or runs the requests first.
+    // Returns the runs of side 0 (A) or 1 (B, or A again). Reads the runs from recordings or a file of
+    // events; with a request file or --lib, runs the request first.
     private List<Run> runs(int side) throws MistakeException, IOException {
         Path file = mFiles.get(Math.min(side, mFiles.size() - 1));
         Path library = mLibraries.isEmpty() ? null : mLibraries.get(side);

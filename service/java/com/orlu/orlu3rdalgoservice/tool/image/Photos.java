@@ -3,7 +3,10 @@ package com.orlu.orlu3rdalgoservice.tool.image;
 import java.lang.ref.SoftReference;
 import java.nio.file.Path;
 
-/** Loads the photos for frames. Caches the last one, because a photo is checked first and used soon after. */
+/**
+ * Loads the photos that frames are made from. Caches the last photo, because a request's photo is loaded for
+ * its check and again soon after for its frames.
+ */
 public final class Photos {
     private Path mLastPath;
     private SoftReference<Picture> mLast = new SoftReference<>(null);

@@ -36,7 +36,7 @@ import java.util.Map;
 final class JsonReader {
     static final int MOST_BYTES = 8 << 20;
     static final int MOST_VALUES = 500_000;
-    /** Nesting depth of objects and lists. Deeper nesting could overflow the stack. */
+    /** Largest nesting depth of objects and lists. Deeper nesting could overflow the stack. */
     static final int MOST_LEVELS = 64;
     private static final int LONGEST_NUMBER = 400;
     private static final int LARGEST_EXPONENT = 400;
@@ -59,7 +59,7 @@ final class JsonReader {
         mMistakes = mistakes;
     }
 
-    /** Returns the file's value. If it can't be read or parsed, notes a mistake and returns null. */
+    /** Returns the value in a file. If the file can't be read or parsed, notes a mistake and returns null. */
     static Json read(Path path, Mistakes mistakes) {
         try (InputStream file = Files.newInputStream(path)) {
             boolean isTooLarge = Files.size(path) > MOST_BYTES;
@@ -96,7 +96,7 @@ final class JsonReader {
                 : text.toString();
     }
 
-    /** Returns the text's value. If it can't be parsed, notes a mistake and returns null. */
+    /** Returns the value in a text. If the text can't be parsed, notes a mistake and returns null. */
     static Json parse(String text, int firstLine, Mistakes mistakes) {
         try (JsonParser parser = FACTORY.createParser(text)) {
             return new JsonReader(parser, firstLine, mistakes).document();
@@ -121,8 +121,8 @@ final class JsonReader {
         } catch (JsonEOFException e) {
             throw mistake(spot(e.getLocation()), "not JSON: the file ends too early" + unclosed());
         } catch (JsonProcessingException e) {
-            // Jackson's location is after the wrong character. Its messages may end with ": enable" and the
-            // setting that allows this character.
+            // Jackson reports the location after the wrong character. Jackson's message may end with
+            // ": enable" and the setting that allows this character.
             Json.Spot next = e.getLocation() == null ? tokenStart() : spot(e.getLocation());
             String message = e.getOriginalMessage().replaceFirst(": enable .*", "");
             throw mistake(new Json.Spot(next.line(), Math.max(1, next.column() - 1)), "not JSON: "
@@ -151,7 +151,7 @@ final class JsonReader {
         return spot(mParser.getTokenLocation());
     }
 
-    // On entry, the parser is at the value's first token; on return, at its last.
+    // On entry, the parser is at the value's first token; on return, at the value's last token.
     private Json value(Json parent, String name, int index, Json.Spot nameSpot, int level)
             throws IOException, MistakeException {
         Json.Spot spot = tokenStart();
@@ -208,7 +208,8 @@ final class JsonReader {
         };
     }
 
-    // Preserves the precision of the text: "1.0" keeps its fraction, and a long loses no digits.
+    // Returns the exact number: "1.0" keeps its fraction, and a long loses no digits. If the number is out of
+    // range, notes a mistake and returns 0.
     private BigDecimal number(Json.Spot spot, String text) {
         if (text.length() <= LONGEST_NUMBER) {
             try {

@@ -52,17 +52,17 @@ public enum PixelFormat {
         };
     }
 
-    /** Bytes of the pixels in a row of a plane. */
+    /** Bytes per row of a plane without padding. */
     public int rowBytes(int plane, int width) {
         return plane > 0 && isPlanar() ? width / 2 : tightStride(width);
     }
 
-    /** Row strides in bytes: `stride` for the first plane and, for YUV, the stride of the chroma. */
+    /** Row strides in bytes: `stride` for the first plane, and the chroma's stride if the format is YUV. */
     public int[] strides(int stride) {
         return isYuv() ? new int[] {stride, isPlanar() ? stride / 2 : stride} : new int[] {stride};
     }
 
-    /** Bytes of the first plane and, for YUV, of all chroma together; `capacity` for a JPEG. */
+    /** Sizes in bytes: the first plane, and all chroma together if the format is YUV. JPEG: `capacity`. */
     public int[] planeSizes(int stride, int height, int capacity) {
         if (this == JPEG) {
             return new int[] {capacity};

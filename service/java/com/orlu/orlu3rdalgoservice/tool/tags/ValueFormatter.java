@@ -5,7 +5,7 @@ import java.util.ArrayList;
 import java.util.Arrays;
 import java.util.List;
 
-/** Formats Java values as text and as JSON: parameters, callbacks, and values put into compositions. */
+/** Formats Java values of parameters, callbacks and compositions, as text or for JSON. */
 public final class ValueFormatter {
     private static final int ELEMENTS = 8;
 
@@ -26,7 +26,10 @@ public final class ValueFormatter {
         return "[" + String.join(", ", parts) + rest + "]";
     }
 
-    /** Returns the value for a JSON writer: object arrays as lists, objects unknown to JSON as strings. */
+    /**
+     * Converts a value for a JSON writer: object arrays to lists, and other objects to strings. Numbers,
+     * booleans and arrays of primitives stay as they are.
+     */
     public static Object json(Object value) {
         if (value instanceof Object[] objects) {
             return Arrays.stream(objects).map(ValueFormatter::json).toList();

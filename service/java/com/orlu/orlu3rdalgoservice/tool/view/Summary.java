@@ -17,7 +17,7 @@ import java.util.ArrayList;
 import java.util.List;
 import java.util.Map;
 
-/** Prints what happened to a request, for people. */
+/** Prints a readable summary of a request's run. */
 public final class Summary {
     private final RunReport mReport;
     private final PrintStream mTo;

@@ -1,4 +1,5 @@
-// Compares two pictures: side by side, alternating, or as their difference. A magnifier shows both.
+// Compares an input with an output: side by side, alternating, or as their difference. A magnifier
+// enlarges the same place in both pictures.
 
 const FLICKER_MILLISECONDS = 500;
 const LOST = "The process ended before the request finished, so the contents of the output are unknown.";
@@ -7,7 +8,7 @@ class Compare {
   constructor(images, onInput) {
     this.images = images;
     this.onInput = onInput;
-    // If an input was written in error, show that input.
+    // Starts with the first input that the algorithm library changed, because such a change is a fault.
     const written = images.inputs.findIndex(image => image.written);
     this.input = written < 0 ? images.base : written;
     this.output = 0;
@@ -85,7 +86,7 @@ class Compare {
     this.show();
   }
 
-  // The first call selects the flicker mode; further calls switch between the pictures.
+  // Selects the flicker mode. If it is already selected, switches to the other picture.
   flicker() {
     if (this.mode !== "flicker") {
       this.setMode("flicker");
@@ -122,7 +123,7 @@ class Compare {
     this.loupe.move();
   }
 
-  // Shows one picture in flicker mode, else both. Only hides pictures, so that switching rebuilds nothing.
+  // In flicker mode, hides the input or the output. Both stay in the page, so switching rebuilds nothing.
   showTurn() {
     const [input, output] = this.stageBox.children;
     if (output) {
@@ -224,7 +225,7 @@ class Compare {
   }
 }
 
-// Returns the scale of the embedded picture, which may be smaller than the image.
+// Returns caption text about the scale of the embedded picture; "" at full width or without a picture.
 function scaleText(image) {
   if (!image.facts) return "";
   if (!image.large) return ", a small copy";

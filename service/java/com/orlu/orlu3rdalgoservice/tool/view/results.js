@@ -1,4 +1,4 @@
-// The results and the log.
+// The page's panels with the results and the log.
 
 function resultsPanel() {
   const put =
@@ -76,7 +76,7 @@ function callbacksCard() {
   );
 }
 
-// Levels from the least to the most severe.
+// Log levels, from the least to the most severe.
 const LEVELS = [
   ["V", "verbose"],
   ["D", "debug"],

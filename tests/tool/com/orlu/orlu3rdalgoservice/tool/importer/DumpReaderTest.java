@@ -9,7 +9,7 @@ import com.orlu.orlu3rdalgoservice.record.JsonWriter;
 import java.nio.file.Path;
 import java.util.List;
 
-/** Tests which tag value a dump's entry yields, and which entries and values are dropped. */
+/** Imports entries of metadata dumps, and tests the tag values and the notes about dropped input. */
 public final class DumpReaderTest {
     @Test
     public void importsAnEntryOrNotesWhyNot() {
