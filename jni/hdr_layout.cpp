@@ -11,8 +11,8 @@ bool isNight(uint64_t mode) {
   return (mode & kNightFrameBit) != 0;
 }
 
-// Counts the frames of [first, last) by their modes; a frame with both bits counts as HDR. Stores the indices
-// of the HDR frames from slot `hdrSlot` on.
+// Counts the HDR frames and the night frames in [first, last). A frame with both mode bits counts as HDR.
+// Stores the indices of the HDR frames in `hdrFrames`, from slot `hdrSlot` on.
 HdrLayout walk(const FrameModes& modes, size_t first, size_t last, size_t hdrSlot, HdrFrameIndex& hdrFrames) {
   HdrLayout found;
   for (size_t i = first; i < last; ++i) {
@@ -41,7 +41,7 @@ HdrLayout layoutOf7(const FrameModes& modes, HdrFrameIndex& hdrFrames) {
   return layout;
 }
 
-// The first three frames count only as night frames, the others only as HDR frames.
+// Counts only night frames among the first three frames, and only HDR frames among the last six.
 HdrLayout layoutOf9(const FrameModes& modes, HdrFrameIndex& hdrFrames) {
   constexpr size_t kNightFrames = 3;
   HdrLayout layout;

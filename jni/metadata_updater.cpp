@@ -46,12 +46,12 @@ int MetadataUpdater::getImageFormat() {
   return mShot.inputFormat();
 }
 
-// Not inlined: its steps would enlarge processImage()'s stack frame, which is already large.
+// Not inlined into processImage(): the steps below would enlarge that function's already large stack frame.
 [[gnu::noinline]] void MetadataUpdater::updateMetadata() {
   const CameraMetadataParser::Batch batch(*mParser);
   clearParams();
   mShot.write<int32_t>(kControl, "is_call_from_app", 1);
-  // A request that only redraws the watermark on a finished image needs nothing else (Oddity 14).
+  // A request that only redraws the watermark on a finished image needs no other parameters (Oddity 14).
   if (updateWatermarkData() != 0) return;
   updateCommonTags();  // before the master frames are known (Oddity 15)
   getMasterFrames();
@@ -108,7 +108,8 @@ int MetadataUpdater::updateWatermarkData() {
   return 1;
 }
 
-// A two-camera bokeh request may interleave master and slave frames; then every second frame is a master.
+// Selects all frames, or every second frame if master and slave frames alternate. They alternate in
+// two-camera bokeh requests that are not raw, except if there are two images per frame.
 void MetadataUpdater::getMasterFrames() {
   int step = 1;
   if (mShot.listHas("dualBokeh") && !mShot.isRaw()) {

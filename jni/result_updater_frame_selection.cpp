@@ -1,5 +1,6 @@
-// The frames that the algorithms kept, the sharpness of all frames or of the dropped frames, and the base
-// frame. Applications identify frames by timestamp; algorithms by index, the base frame also by timestamp.
+// Puts the results of frame selection into the first composition: the kept frames, the sharpness of all
+// frames or of the dropped frames, and the base frame. Applications identify frames by timestamp. The
+// algorithms identify frames by index; they may also give the base frame's timestamp.
 
 #include <algorithm>
 
@@ -9,7 +10,8 @@
 namespace orlu {
 namespace {
 
-// Sizes of the algorithms' tables. Frames beyond a table have score 0 or count as not kept.
+// Numbers of entries in the algorithms' tables. A frame beyond the end of a table has score 0, or counts as
+// dropped.
 constexpr size_t kMaxScores = 50;
 constexpr size_t kMaxSelections = 20;
 using Scores = Doubles<kMaxScores>;
@@ -46,7 +48,7 @@ int ResultUpdater::updateFrameClarity() {
     LOGE("updateForFrameClarity failed, captureResultCompositions size < 1");
     return -1;
   }
-  // Oddity 42: one entry per input image, even if the table has no score for it.
+  // Oddity 42: one entry per input image; entries beyond the end of the table stay 0.
   FrameValues<double> perImage(imageNum, imageNum);
   std::copy_n(scores.begin(), std::min(imageNum, kMaxScores), perImage.data());
   put<FrameValues<double>>("orlu.feedback.clarityScore", perImage);

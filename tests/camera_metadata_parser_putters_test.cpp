@@ -14,7 +14,7 @@ struct Putter : NamedCase {
   Container container;
   int (*put)(P&, jobject container);
   const char* stored;    // the Java class and value
-  const char* required;  // class that the parser must have found; with its constructor unless it is an array
+  const char* required;  // class that the parser needs; if not an array, also its constructor
 };
 
 constexpr char kKey[] = "some.key";
@@ -35,7 +35,7 @@ const Putter kPutters[] = {
     {"putFloat",       kComposition, PUT(putFloat, 2.5F), "Float 2.5", kFloat},
     {"putLong",        kComposition, PUT(putLong, kBig), "Long 5000000001", kLong},
     {"putIntArray",    kComposition, PUT(putIntArray, kIntValues, 3), "int[] 1 -2 3", kIntegers},
-    // Requires the Integer[] class, not Long[], on purpose.
+    // Requires the Integer[] class, not the Long[] class (Oddity 12).
     {"putLongArray",   kComposition, PUT(putLongArray, kLongValues, 2), "long[] 5000000001 -2", kIntegers},
     {"putFloatArray",  kComposition, PUT(putFloatArray, kFloatValues, 2), "float[] 1.5 -2.0", kFloats},
     {"putDoubleArray", kComposition, PUT(putDoubleArray, kDoubleValues, 2), "double[] 0.125 -2.0", kDoubles},

@@ -16,7 +16,7 @@ PARAMETERS = ROOT / "service/java/com/orlu/orlu3rdalgoservice/tool/tags/paramete
 CAMERA_TYPES = {"Bokeh", "BokehTele2", "BokehMoon", "Bokeh_Wide_UltraWide", "BokehTele2_Tele_Wide"}
 # A format that the library classifies, but request files cannot have.
 LIBRARY_FORMAT = "MIPI_RAW12"
-# NAME matches an algorithm that the source searches for, adds or removes; NAMES, a list of algorithms.
+# NAME matches code that searches for, adds or removes one algorithm. NAMES matches a list of algorithms.
 NAME = re.compile(r'(?:listHas|append|remove|emplace_back|asksFor|listed)\("(\w+)"|^ +\{"(\w+)", +1U <<')
 NAMES = re.compile(r'(?:list|mAlgoList|supported) = \{([^}]*)\};')
 
@@ -52,7 +52,8 @@ def formats():
 
 
 def check_once(file, kinds):
-    """Checks that each name has its mandatory rows, and that no row is of an unknown kind."""
+    """Checks that every row's kind is in `kinds`, which maps each kind to the number of rows that each name
+    must have; 0 means any number."""
     said = {}
     for number, (name, kind, _) in rows(file, 3):
         said.setdefault(name, []).append(kind)
@@ -64,8 +65,9 @@ def check_once(file, kinds):
 
 
 def check_names(file, columns, names, what, every=True, once=True, sentence=True):
-    """Checks that rows start with a name, follow the order of the names, and end with a sentence, and that
-    every name has a row."""
+    """Checks that each row starts with one of the names. `once` forbids a second row for a name. `sentence`
+    requires that rows end with a sentence. `every` requires a row for every name, in the order of the names.
+    Returns the number of rows."""
     found = []
     for number, row in rows(file, columns):
         place = f"{file.relative_to(ROOT)}:{number}"

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests the messages of ./run about wrong request files: all mistakes of each file, with their positions.
+"""Tests that ./run reports every mistake in a wrong request file, with the position of the mistake.
 
 check_test.py BUILD_FOLDER
 """
@@ -22,7 +22,7 @@ PHOTO = ROOT / "samples/photos/portrait.jpg"
 
 
 def request(frames='"frames": [{}]', more="", inputs="[]", outputs="[]"):
-    """Returns a request's text, with the frames at the start of its second line."""
+    """Returns the text of a request file whose second line begins with the frames."""
     return f'{{"request": {{"id": 1}}, "inputs": {inputs}, "outputs": {outputs},\n{frames}{more}}}'
 
 
@@ -38,7 +38,7 @@ KNOWN = "$schema, about, algorithms, client, frames, fullAsync, inputs, outputs,
 NAME = "was expecting double-quote to start field name"
 COLON = "was expecting a colon to separate field name and value"
 VALUES = "(JSON String, Number, Array, Object or token 'null', 'true' or 'false')"
-# Text of a file, and its messages without the file's name.
+# Each row: the text of a file, then the expected messages, without the file's name.
 SYNTAX = [
     ("", "1:1: not JSON: the file is empty"),
     ('{"request": {"id": 1}',
@@ -141,7 +141,7 @@ TAGS = [
      'mean text?); the tag is BYTES (text)'),
 ]
 SHOT = '"frames": [{"captureResult": {'
-# Text of a file, and its messages without the word "warning".
+# Each row: the text of a file, then the expected warnings, without the file's name and the word "warning".
 WARNINGS = [
     (request(more=', "algorithms": ["nigth", "nightly", "night"]'),
      '2:32: algorithms[0]: unknown algorithm "nigth" (did you mean night?)',
@@ -195,7 +195,8 @@ WARNINGS = [
 
 
 def check(*texts):
-    """Runs ./run --check on files with these texts. Returns the finished process, and messages by file."""
+    """Runs ./run --check on files with these texts. Returns the finished process and a list of
+    messages for each file."""
     names = [f"{i}.json" for i in range(len(texts))]
     for name, text in zip(names, texts):
         Path(name).write_bytes(text if isinstance(text, bytes) else text.encode())
@@ -206,7 +207,7 @@ def check(*texts):
 
 
 def severe(line, severity):
-    """Returns a row of the tables above as printed: with the severity after the position."""
+    """Returns a message from the tables above as ./run prints it, with the severity after the position."""
     return re.sub(r"^(\d+:\d+: |)", rf"\g<1>{severity}: ", line)
 
 

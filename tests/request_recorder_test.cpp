@@ -1,4 +1,4 @@
-// The service's recorder. Its failures never affect the request.
+// Tests the service's recorder. A failure of the recorder must never affect the request.
 
 #include <algorithm>
 #include <cstdlib>
@@ -37,7 +37,7 @@ protected:
   jobject newRecorder(const std::string& name, int count, int64_t bytes) const {
     return test::newRecorder(mFolder + "/" + name, count, bytes);
   }
-  // Runs a request. Returns its status and the library's calls, or "thrown".
+  // Runs a request. Returns the status and the calls of the algorithm library, or "thrown" if it throws.
   std::string run(jobject recorder, jobject inputs, jobject compositions) {
     mTrace.clear();
     try {
@@ -49,8 +49,8 @@ protected:
       return "thrown";
     }
   }
-  // Returns "NAME STATE" of each folder, sorted. The state is "end" if the outcome is complete, else
-  // "failed", or "" without an outcome.
+  // Returns "NAME STATE" for each folder in this subfolder, sorted. The state is "" without outcome.json,
+  // "failed" if that file reports a failure, else "end".
   std::vector<std::string> recordings(const std::string& name) const {
     std::vector<std::string> found;
     if (!std::filesystem::is_directory(mFolder + "/" + name)) return found;
@@ -132,7 +132,8 @@ TEST_F(RequestRecorderTest, TheFolderMayDisappearDuringTheRequest) {
 }
 
 TEST_F(RequestRecorderTest, OldRecordingsMakeWayAndNothingElse) {
-  // Folders that are not recordings: the number of the second exceeds an int.
+  // Neither folder is a recording: the first name has another form, and the number in the second exceeds an
+  // int.
   std::filesystem::create_directories(mFolder + "/few/000000-mine");
   std::filesystem::create_directories(mFolder + "/few/9999999999-request-1");
   const jobject recorder = newRecorder("few", 2, 1 << 20);

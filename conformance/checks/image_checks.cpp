@@ -1,4 +1,4 @@
-// Checks of images: where and what a library writes.
+// Checks which bytes of its images a library writes, and the JPEGs that it writes.
 #include <algorithm>
 
 #include "checks.h"
@@ -53,7 +53,7 @@ void tryTightJpeg(Scene& scene) {
   }
 }
 
-// Sizes: small and even, odd in both directions, one row, and (in RGBA) rows of more than a page of memory.
+// In order: even, odd in both directions, very small, one row, and (in RGBA) rows of more than a memory page.
 constexpr std::pair<int32_t, int32_t> kSizes[] = {
     {64,   48},
     {67,   45},
@@ -110,13 +110,14 @@ private:
   bool mIsDone = true;
 };
 
-// Copies an image to two outputs with this layout and checks that every pixel is written. Packed raw outputs
-// must have the input's strides, so others are skipped.
+// Copies an image to two outputs with this layout and checks that every pixel is written. Skips packed raw
+// formats if the padding differs from the input's, because packed raw outputs must have the input's strides.
 void writeAllPlanes(Scene& scene, const ImageShape& from, const Layout& layout) {
   const bool isPacked = from.format == kFormatMipiRaw10 || from.format == kFormatMipiRaw12;
   const bool isSame = from.padding == layout.padding && from.paddingRows == layout.paddingRows;
   if (isPacked && !isSame) return;
-  // A RAW16 stride counts pixels; from 2 * width on, a library may take it for bytes, so it is skipped.
+  // A RAW16 stride counts pixels. Strides of 2 * width and more are skipped: a library may take such a stride
+  // for a number of bytes.
   if (from.format == kFormatRaw16 && std::max(from.padding, layout.padding) >= 2 * from.width) return;
   ImageShape to = from;
   to.padding = layout.padding;

@@ -6,8 +6,8 @@
 
 namespace orlu::conform {
 
-// Watches during its lifetime; only one may exist at a time. Descriptors that are open at construction belong
-// to the caller, so construct it before the library is opened.
+// Watches from construction to destruction; only one watch may exist at a time. Descriptors that are open at
+// construction count as the caller's, so construct the watch before you open the library.
 class DescriptorWatch {
 public:
   DescriptorWatch();
@@ -15,9 +15,10 @@ public:
   DescriptorWatch& operator=(const DescriptorWatch&) = delete;
   ~DescriptorWatch();
 
-  // False in sanitizer builds: sanitizers replace the functions that the watch replaces.
+  // Returns false in builds with AddressSanitizer or ThreadSanitizer: they replace the same functions as the
+  // watch.
   static bool canSee();
-  // Until forget(), closing or replacing these descriptors is a fault of the library.
+  // Reports a fault if the library closes or replaces one of these descriptors before forget().
   void lend(const std::vector<int>& descriptors);
   void forget(const std::vector<int>& descriptors);
   // Returns the number of placeholders. They occupy descriptor numbers that the library closed, so that the

@@ -1,5 +1,6 @@
-// Processes the submitted requests of all clients in order of arrival, on one thread, and calls back. The
-// thread starts with the first submit() and never ends.
+// Processes the submitted requests of all clients in order of arrival, on one thread. The thread starts with
+// the first submit() and never ends. It also calls back, but if `inOrder` of the request's script is false, a
+// new thread calls back for that request.
 #pragma once
 
 #include <chrono>
@@ -17,7 +18,7 @@ namespace orlu::standin {
 
 class Worker {
 public:
-  // `work` processes a request, without its callbacks.
+  // `work` processes a request. It must not call back: the worker does.
   explicit Worker(std::function<void(Request&)> work) : mWork(std::move(work)) {}
   Worker(const Worker&) = delete;
 
@@ -25,7 +26,8 @@ public:
   // Processes the request on this thread, including its callbacks.
   void runHere(std::unique_ptr<Request> request);
 
-  // Waits for the client's requests, except one that calls back on this thread. Returns false on timeout.
+  // Waits for the client's requests, but not for a request whose callback runs on the calling thread. Returns
+  // false on timeout.
   bool drain(void* client, std::chrono::milliseconds limit);
   bool drainAll(std::chrono::milliseconds limit);
   // Prevents further callbacks for the client's pending requests and drops the unstarted requests. Waits up
@@ -61,7 +63,7 @@ private:
   void abandonWhere(const Filter& filter);
 
   const std::function<void(Request&)> mWork;
-  mutable std::mutex mMutex;  // guards the members below, and the jobs except their requests
+  mutable std::mutex mMutex;  // guards the members below and the fields of jobs, but not requests
   std::condition_variable mChanged;
   std::list<JobPointer> mJobs;
   bool mStarted = false;

@@ -28,7 +28,8 @@ TEST(RegionMapperTest, MapsToTheImage) {
       {{4000, 3000}, {4000, 2250}, false, {0, 375, 100, 475},     "0 0 100 100"      },
       {{3000, 2000}, {1000, 666},  true,  {-2, -2, 5, 5},         "0 0 1 1"          },
   };
-  // Half of an odd excess is rounded toward zero: in the fourth case, half of 1001 is 500.
+  // The image is centred in the scaled active array. Half of an odd difference between their widths is
+  // rounded toward zero: in the fourth case, half of 1001 is 500.
   for (const auto& c : cases) {
     const __tagOrluRect mapped = mappedToImage(c.rect, c.active, c.image, c.isScaled);
     EXPECT_EQ(c.mapped, textOf(mapped))

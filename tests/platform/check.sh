@@ -1,14 +1,15 @@
 #!/bin/bash
-# Compares the phone's sources with the platform's headers and classes, as far as Debian and npm have them.
+# Checks the sources that run on the device against the platform's headers and classes, as far as Debian and
+# npm provide those headers and classes.
 #   tests/platform/check.sh            all parts
-#   tests/platform/check.sh java       only these parts
+#   tests/platform/check.sh java       only the named parts
 # Parts:
 #   sources    jni/, the probe, the kit, the recorder's library and the minimal library compile with the
 #              platform's headers
 #   symbols    the platform has all symbols that these sources need
 #   agreement  our headers agree with the platform's
-#   failure    differences are detected
-#   java       the platform has our stand-in classes and the members that jni/ looks up
+#   failure    planted faults are detected
+#   java       the platform has the classes that host/java/ imitates and the members that jni/ looks up
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/../.." && pwd)
 cd "$root"
@@ -45,7 +46,7 @@ call_compiler() {
     -Ibuild/dev/conformance/generated
 }
 
-# read_sources FILE...: compiles the files without output.
+# read_sources FILE...: compiles the files without writing objects.
 read_sources() { printf '%s\0' "$@" | call_compiler 4 -fsyntax-only; }
 
 # compile_sources FOLDER FILE...: clears the folder and compiles each file to an object in it.

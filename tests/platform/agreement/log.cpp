@@ -1,5 +1,5 @@
-// Compares the log function that jni/ uses and the priorities. The functions that replace the logger are not
-// compared: only tests call them, and Debian's header predates their current types.
+// Compares our log priorities, and our log function that jni/ uses, with the platform's. Does not compare the
+// functions that replace the logger: only tests call them, and Debian's header predates their current types.
 #include <android/log.h>
 
 #include "agreement.h"

@@ -15,8 +15,8 @@ public class VRequest {
     }
 
     /**
-     * Returns the type: a preview if it begins with "previewProcess", a stop if it begins with "stopProcess",
-     * else a shot.
+     * Returns the type. The request is a preview if the type begins with "previewProcess", a stop if the type
+     * begins with "stopProcess", else a shot.
      */
     public String getRequestType() {
         return mRequestType;

@@ -15,7 +15,7 @@ import java.util.Map;
 
 /** Warns about image sizes that are valid but probably unintended. */
 final class SizeAdvice {
-    /** A JPEG with less than one byte for this many pixels is of poor quality. */
+    /** The most pixels per byte of a JPEG. With more pixels per byte, the quality is poor. */
     private static final int PIXELS_A_BYTE = 16;
 
     private SizeAdvice() {
@@ -33,7 +33,8 @@ final class SizeAdvice {
         }
     }
 
-    // Without a photo, images that have no size get the size of the first input's file.
+    // Warns if the size in "frames" is not used. Without a photo, images without a size of their own get the
+    // size of the first input's file.
     private static void onFrameSize(RequestFile request) {
         ImagePlan first = request.inputs().isEmpty() ? null : request.inputs().get(0);
         boolean isOther = first != null && first.file() != null && !request.needsPhoto()
@@ -44,7 +45,7 @@ final class SizeAdvice {
         }
     }
 
-    // For RAW16, the library passes the width on instead of the stride.
+    // For RAW16, the native library passes the width, not the stride, to the algorithm library.
     private static void onStride(ImagePlan image) {
         int row = image.format().tightStride(image.width());
         if (image.format() == PixelFormat.RAW16 && image.strideBytes() > row) {
@@ -53,8 +54,8 @@ final class SizeAdvice {
         }
     }
 
-    // Compares images with the same index in different frames. The second image of a frame may come from
-    // another camera.
+    // Compares images that have the same index in their frames. Images of one frame may differ in size,
+    // because the second image may come from another camera.
     private static void onInputSizes(List<ImagePlan> inputs) {
         Map<Integer, Integer> ofFrame = new HashMap<>();
         Map<Integer, ImagePlan> first = new HashMap<>();
@@ -90,7 +91,8 @@ final class SizeAdvice {
         }
     }
 
-    // Warns of bytes after the pixels: they belong to another image, or the size or stride is wrong.
+    // Warns of bytes after the last pixels in a file. Either the file contains another image, or the size or
+    // the stride is wrong.
     private static void onFiles(List<ImagePlan> inputs) {
         Map<Path, Long> ends = new HashMap<>();
         inputs.stream().filter(SizeAdvice::isOfBytes).forEach(image -> ends.merge(

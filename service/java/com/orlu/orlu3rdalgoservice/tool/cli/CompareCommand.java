@@ -45,7 +45,7 @@ final class CompareCommand implements Subcommand {
     @Mixin
     private ManyOptions mMany;
 
-    // One request, run over both libraries.
+    // The runs of one request: `one` with library A, `other` with library B.
     private record Pair(String name, Verdict verdict, Verdict one, Verdict other, OutputMeasure outputs,
             double oneTime, double otherTime, List<String> differences, List<Map<String, Object>> cells) {
         String status() {

@@ -29,7 +29,7 @@ final class ReplayCommand implements Subcommand {
     @Option(names = "--against", paramLabel = "LIBRARY",
             description = "Run with this algorithm or native library")
     private Path mLibrary;
-    // Passed on to the launcher of the child process.
+    // ChildRun passes this option on to the launcher of its process.
     @Option(names = "--arm", description = "Run the 32-bit ARM library")
     private boolean mArm;
     @Mixin
@@ -51,7 +51,7 @@ final class ReplayCommand implements Subcommand {
             }
         }
         for (int done = 0; done < requests.size();) {
-            // All run in one process; after a crash, the rest run in another.
+            // A child process runs all remaining requests. If it crashes, another runs those after the crash.
             ChildRun child = new ChildRun("replay", mArm, mLibrary);
             for (Path again : RunFolder.in(child.run(requests.subList(done, requests.size())))) {
                 compare(recorded.get(done), RunFolder.read(again, "this run"));

@@ -37,8 +37,8 @@ public final class ParameterFormatter {
     }
 
     /**
-     * Returns the value for programs: a number, a boolean, a string or a list of numbers; for other types,
-     * the text for people.
+     * Returns the value for programs: a number, a boolean, a string or a list of numbers. If the value has no
+     * such form, returns the same text as format().
      */
     public static Object json(ParameterType type, byte[] bytes) {
         ParameterFormatter formatter = new ParameterFormatter(bytes);
@@ -46,7 +46,7 @@ public final class ParameterFormatter {
         return value != null ? ValueFormatter.json(value) : format(type, bytes);
     }
 
-    // Returns the value as a Java object; null for types that are always formatted for people.
+    // Returns the value as a Java object; null for types that have only a text form.
     private Object plain(ParameterType type) {
         return switch (type) {
             case INT, COUNT -> intAt(0);
@@ -126,9 +126,9 @@ public final class ParameterFormatter {
         return mBytes.getFloat(offset);
     }
 
-    // Formats an int or a float. The bits of a plausible float, read as an int, would be a time of many days,
-    // so a smaller number is an int. The largest and smallest ints are ints, too: they represent times out
-    // of range.
+    // Formats an int or a float; only the bits show which. Read as an int, the bits of a plausible float are
+    // a time of more than nine days, so a shorter time is an int. The largest and the smallest int are ints,
+    // too: they represent times out of range.
     private String milliseconds() {
         int bits = intAt(0);
         boolean isSaturated = bits == Integer.MAX_VALUE || bits == Integer.MIN_VALUE;
@@ -136,7 +136,7 @@ public final class ParameterFormatter {
         return isInt ? Integer.toString(bits) : number(floatAt(0));
     }
 
-    // Returns the shortest form: 2 for 2.0.
+    // Formats a whole number without ".0": 2 for 2.0.
     private static String number(float value) {
         return trimmed(Float.toString(value));
     }
