@@ -1,5 +1,6 @@
-# Defines the target OrluAlgo::OrluAlgo: the interface that an algorithm library implements. Defines
-# OrluAlgo_KIT_DIR: the conformance kit's folder, with a program for each machine and C++ library.
+# Defines the target OrluAlgo::OrluAlgo: the interface that an algorithm library implements. Sets
+# OrluAlgo_KIT_DIR to the conformance kit's folder, which has one program for each pair of processor type
+# and C++ library.
 get_filename_component(OrluAlgo_PREFIX "${CMAKE_CURRENT_LIST_DIR}/../../.." ABSOLUTE)
 set(OrluAlgo_KIT_DIR "${OrluAlgo_PREFIX}/kit")
 if(NOT TARGET OrluAlgo::OrluAlgo)

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests folders, sweeps, bursts and comparisons, and their machine-readable output.
+"""Tests runs of folders, sweeps, bursts and comparisons, and their machine-readable output.
 
 many_shots_test.py BUILD_FOLDER
 """
@@ -64,7 +64,7 @@ def check_folder(folder):
 
 
 def check_crash(folder):
-    """If the library kills each request's process, all requests still run."""
+    """Even if the library crashes in every request, each request is run and reported."""
     for name, kind in (("a", "capture"), ("b", "die"), ("c", "capture")):
         write(folder / "shots", f"{name}.json", "capture", request={"id": 7, "type": kind})
     result = run("--jobs", "1", "--junit", "-", "shots", cwd=folder, ORLU_PLANTED="aborts:process", **PLANTED)

@@ -31,8 +31,9 @@ bool skip(const std::string& reason) {
 
 using CreateVm = jint(JNICALL*)(JavaVM**, JNIEnv**, void*);
 
-// Finds JNI_CreateJavaVM in the library that the options name, or in a usual library if they name none. Loads
-// it at run time, so that other checks run without a VM. On failure returns null and sets `reason`.
+// Finds JNI_CreateJavaVM in the library options().jvm, or, if this is empty, in one of the usual libraries.
+// Loads the library at run time, so that the other checks need no VM. On failure returns null and sets
+// `reason`.
 CreateVm findVm(std::string& reason) {
   std::vector<std::string> names = {options().jvm};
 #ifdef __ANDROID__
@@ -74,7 +75,8 @@ jint createVm(CreateVm create) {
   return create(&gVm, &env, &arguments);
 }
 
-// On failure returns false and fails the check, or skips it if the options name no VM and none is found.
+// Returns whether the VM started. If it did not, fails the check. If no VM was found and options().jvm is
+// empty, skips the check instead.
 bool startVm() {
   step("starting a Java VM");
   std::string reason;
@@ -97,11 +99,11 @@ std::string inspectThread() {
   return "leaves a Java exception on its thread";
 }
 
-// Numbers of threads that exited after calling back. The destructor of a thread-specific key counts them. It
-// sets the key again as often as the thread library allows, so that it runs after the algorithm library's
-// destructors.
-std::atomic<int> gEndedAttached{0};  // still attached to the VM
-std::atomic<int> gEnded{0};          // all
+// Counts of the threads that called back and then exited. onThreadEnd(), the destructor of gEndKey, updates
+// the counts. It first sets the key again as often as the thread library allows, so that the algorithm
+// library's own destructors run before it counts.
+std::atomic<int> gEndedAttached{0};  // threads still attached to the VM
+std::atomic<int> gEnded{0};          // all threads
 pthread_key_t gEndKey;
 
 void onThreadEnd(void* rounds) {
@@ -161,12 +163,13 @@ void judgeLightStream(const std::vector<Message>& messages) {
 
 void checkJava() {
 #ifdef __SANITIZE_THREAD__
-  constexpr bool kSeesTheVm = true;  // the sanitizer reports the VM's threads, which are not instrumented
+  // The sanitizer reports false errors in the VM's threads, because they are not instrumented.
+  constexpr bool kSeesTheVm = true;
 #else
   constexpr bool kSeesTheVm = false;
 #endif
   if (kSeesTheVm) GTEST_SKIP() << "ThreadSanitizer does not support a Java VM";
-  // Nothing shuts the VM down: it lives until the process exits.
+  // Skips the exit handlers, because nothing shuts the VM down: it lives until the process exits.
   endAtOnce();
   if (!startVm()) return;
   OPEN_LIBRARY(library);

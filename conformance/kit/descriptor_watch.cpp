@@ -32,18 +32,18 @@ constexpr size_t kMostKept = 200;
 struct Mapping {
   size_t size;
   bool isFixed;
-  std::string made;  // the call that made it, and where
+  std::string made;  // the call that made the mapping, and its place in the code
 };
 
 struct Seen {
   std::mutex mutex;
   std::set<int> callers;            // open when the watch started, or lent to the library
-  std::map<int, std::string> kept;  // closed numbers with a placeholder, and where they were closed
+  std::map<int, std::string> kept;  // numbers that a placeholder occupies; the call that closed each
   std::deque<int> keptOrder;
-  std::map<int, std::string> duplicates;  // open duplicates, and where they were made
-  std::map<uintptr_t, Mapping> mappings;  // of images
+  std::map<int, std::string> duplicates;  // open duplicates; the call that made each
+  std::map<uintptr_t, Mapping> mappings;  // mappings of images, by address
   std::vector<std::string> wrong;
-  int nothing = -1;  // the placeholder: reading, mapping and writing it fail
+  int nothing = -1;  // duplicated as a placeholder; reading, mapping or writing it fails
 };
 
 std::atomic<bool> gIsWatching{false};
@@ -80,7 +80,8 @@ bool isImage(int fd) {
          std::string(target).rfind("/memfd:image", 0) == 0;
 }
 
-// Under an emulator, calls such as msync() succeed on the emulator's own memory, so this reads the maps.
+// Reads the process's maps: under an emulator, calls such as msync() also succeed on the emulator's own
+// memory.
 bool isMapped(uintptr_t address) {
   std::ifstream maps("/proc/self/maps");
   for (std::string line; std::getline(maps, line);) {
@@ -97,15 +98,16 @@ int badDescriptor() {
   return -1;
 }
 
-// Frees a closed number for reuse. `closesPlaceholder` is false if dup2 has already replaced the placeholder.
-// Requires the lock.
+// Closes a number's placeholder, so that the number can be reused. `closesPlaceholder` is false if dup2 has
+// already replaced the placeholder. Requires the lock.
 void giveUp(Seen& all, int fd, bool closesPlaceholder) {
   all.kept.erase(fd);
   all.keptOrder.erase(std::find(all.keptOrder.begin(), all.keptOrder.end(), fd));
   if (closesPlaceholder) plainClose(fd);
 }
 
-// Records a number that a placeholder occupies; frees the oldest if there are too many. Requires the lock.
+// Records that a placeholder occupies a number. If there are too many placeholders, closes the oldest.
+// Requires the lock.
 void keep(Seen& all, int fd, const std::string& text) {
   all.duplicates.erase(fd);
   all.kept[fd] = text;

@@ -19,12 +19,12 @@ public:
   void before(const probe::WatchedCall& call) noexcept override;
   void after(const probe::WatchedCall& call, const probe::WatchedEnd& end) noexcept override;
 
-  // Returns a text for each faulty call: the callable's name with the type and text of the exception that it
-  // threw, or with the result of inspectThread.
+  // Returns a text for each faulty call: the callable's name, followed by the exception that it threw (type
+  // and text) or by the result of inspectThread.
   std::vector<std::string> thrown() const;
   double longestProcessMilliseconds() const { return static_cast<double>(mLongestProcess) / 1e6; }
-  // Called on the operation's thread after each operation that returned. Returns "" or describes a fault of
-  // the thread.
+  // If set, runs after each operation that did not throw, on the operation's thread. Returns "" or describes
+  // a fault of the thread.
   std::string (*inspectThread)() = nullptr;
 
 private:
@@ -47,7 +47,8 @@ public:
 
   // Calls the library's entry.
   void fill(AlgoInterfaceCallbacks* table) const;
-  // The process's own table, filled on first use. Its observer records exceptions; call() catches them.
+  // The process's own table, filled on first use. observer() records the exceptions of its callables, but
+  // does not catch them; call() does.
   const AlgoInterfaceCallbacks& table();
   // The same table without the observer, for calls that must reach the library directly.
   const AlgoInterfaceCallbacks& bareTable();
@@ -89,8 +90,7 @@ void callPlain(const std::function<void(void*)>& callable, Arguments&&... argume
   }
 }
 
-// The reason reported for checks that are skipped because the library can't be used; ./run conform then
-// fails.
+// Reason for skipping a check. ./run conform fails if any check is skipped for this reason.
 constexpr char kUnusable[] = "the library can't be used; see the checks loading and layout";
 
 // Opens the library for a check, or skips the check.

@@ -15,7 +15,10 @@ final class Setting {
         return get(name, Setting::ofPlatform);
     }
 
-    /** Returns the value that the probe uses for its variable "ORLU_..."; "" if it is unset. */
+    /**
+     * Returns the probe's setting "ORLU_NAME": the environment variable, else the platform's property
+     * "persist.vendor.orlu.name", else "".
+     */
     static String ofProbe(String variable) {
         String value = System.getenv(variable);
         return value == null || value.isEmpty()
@@ -27,7 +30,7 @@ final class Setting {
         return value.isEmpty() ? platform.apply(PLATFORM_PREFIX + name) : value;
     }
 
-    /** Returns a positive number; {@code otherwise} if the property is unset or not a positive number. */
+    /** Returns the property {@code name}; {@code otherwise} if it is unset or not a positive number. */
     static long number(String name, long otherwise) {
         try {
             long value = Long.parseLong(get(name));

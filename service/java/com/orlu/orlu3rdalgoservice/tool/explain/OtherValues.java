@@ -15,8 +15,9 @@ import java.util.function.Consumer;
 import java.util.stream.LongStream;
 
 /**
- * The values that trials give a tag, most revealing first: neighbours and opposite signs for sums and
- * thresholds, single bits for flags, small numbers for modes, fewer and more elements for lists.
+ * The values to which trials change a tag, most revealing first. Neighbours and opposite signs reveal sums
+ * and thresholds, single changed bits reveal flags, and small numbers reveal modes. Arrays also get fewer
+ * and more elements.
  */
 final class OtherValues {
     private static final long[] SMALL = LongStream.rangeClosed(-2, 16).toArray();
@@ -25,7 +26,7 @@ final class OtherValues {
     private static final double[] FACTORS = {1.5, 0.5, -1, 1.001, 10, 0.1, 100, 0.01};
     private static final int INT_BITS = 31;
     private static final int LONG_BITS = 63;
-    /** Number of leading elements of an array that are also changed one by one. */
+    /** At most this many leading elements of an array are also changed one by one. */
     private static final int ELEMENTS = 64;
     /** Lengths of arrays that are tried for an absent tag. */
     private static final int[] LENGTHS = {16, 1, 2, 3, 4, 8, 9, 256};
@@ -99,7 +100,8 @@ final class OtherValues {
         return type == byte.class || type == Byte.class ? (Object) (byte) number : (Object) number;
     }
 
-    // Several rules can give the same number, which is added only once. Equal arrays are not detected.
+    // Adds the value unless it is already present: several rules can produce the same number. Does not detect
+    // equal arrays.
     private void add(Object value) {
         if (!mValues.contains(value)) {
             mValues.add(value);
@@ -217,7 +219,7 @@ final class OtherValues {
         }
     }
 
-    // Adds copies of the array with other first elements.
+    // Adds copies of the array, each with a different first element.
     private void addElements(Object array) {
         OtherValues elements = new OtherValues();
         elements.addOthers(array instanceof byte[] bytes ? (Object) (int) bytes[0] : Array.get(array, 0));
@@ -250,7 +252,8 @@ final class OtherValues {
                 ? ofClass(element.getClass(), number.doubleValue() + 1) : element + "1";
     }
 
-    // New elements repeat the last element; in an empty array, they are examples, as for an absent tag.
+    // Returns a copy of this length. New elements repeat the last element; if the array is empty, they repeat
+    // the first example element for an absent tag.
     private static Object resized(Object array, int length) {
         int kept = Math.min(length, Array.getLength(array));
         Class<?> component = array.getClass().getComponentType();

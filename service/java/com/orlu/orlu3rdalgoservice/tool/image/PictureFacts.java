@@ -75,7 +75,10 @@ public final class PictureFacts {
         }
     }
 
-    /** Returns the picture as a page shows it, and drops it, so that its memory is freed after drawing. */
+    /**
+     * Returns the picture as a page shows it; null after the first call. Keeps no reference, so that the
+     * picture's memory is freed after drawing.
+     */
     public BufferedImage takeShown() {
         BufferedImage shown = mShown;
         mShown = null;
@@ -103,7 +106,7 @@ public final class PictureFacts {
         return sum / pixels();
     }
 
-    /** The lowest luma such that at least the fraction `part` (0 to 1) of the pixels is not above it. */
+    /** The lowest luma such that at least the fraction `part` (0 to 1) of the pixels is at or below it. */
     public int lumaAt(double part) {
         long left = Math.round(part * pixels());
         int level = 0;
@@ -139,7 +142,7 @@ public final class PictureFacts {
         return sum / (GRID * GRID);
     }
 
-    /** Pixels by which each row is shifted against the row above; 0 if the rows fit unshifted. */
+    /** The shift of each row against the row above, in pixels, positive to the right; 0 if not sheared. */
     public int shear() {
         return mShear;
     }

@@ -9,7 +9,7 @@ import java.util.List;
  * names. Libraries other than the stand-in need not write reports.
  *
  * @param ran          the algorithms that did something, in order of execution
- * @param skipped      requested algorithms that did nothing: unknown, or without work
+ * @param skipped      requested algorithms that are unknown or had nothing to do
  * @param milliseconds the duration of the work
  * @param frames       measurements of each frame; empty if none were made
  */
@@ -31,12 +31,12 @@ public record AlgorithmPass(List<String> ran, List<String> skipped, double milli
         }
     }
 
-    /** Whether a line of the file reports a finished request. */
+    /** Returns whether a line of the file reports a finished request. */
     public static boolean isDone(String line) {
         return line.contains("\"done\"");
     }
 
-    /** Returns the report in the last of these lines; null if there is none. */
+    /** Returns the report in the last of these lines; null if there are no lines. */
     public static AlgorithmPass last(List<Json> lines) {
         if (lines.isEmpty()) {
             return null;

@@ -18,12 +18,12 @@ public final class RequestTags {
         try {
             Json field = Json.parse("", 0, value);
             Object read = TagValues.ofTag(tag, field, 0);
-            // A mistake noted in an element describes the problem better than the exception of set().
+            // Must precede set(): a mistake noted by ofTag() is clearer than the exception that set() throws.
             field.mistakes().throwFirst();
             new CameraMetadataNative().set(tag, read);
             return null;
         } catch (MistakeException e) {
-            // The caller adds the field and the file.
+            // Only the problem: the caller adds the tag and its place.
             return e.mistake().problem();
         } catch (IllegalArgumentException e) {
             return e.getMessage();

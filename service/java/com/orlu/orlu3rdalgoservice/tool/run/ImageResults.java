@@ -7,8 +7,8 @@ import java.util.List;
  *
  * @param files    a line about each written file
  * @param measures the similarity of outputs to the clean photo, where known
- * @param noise    a line for each of these measures, if the request has noise
- * @param problems why outputs can't be read, a line each
+ * @param noise    a line for each element of `measures`; empty if the request has no noise
+ * @param problems a line for each output that can't be read, with the reason
  */
 public record ImageResults(List<String> files, List<NoiseMeasure> measures, List<String> noise,
         List<String> problems) {

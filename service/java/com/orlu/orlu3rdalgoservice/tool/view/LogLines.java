@@ -17,8 +17,8 @@ final class LogLines {
     }
 
     /**
-     * Returns the lines with start <= time < end, by System.nanoTime(), each as [time, thread, level, tag,
-     * text]. The list is empty without a log.
+     * Returns the lines with start <= time < end, each as [time, thread, level, tag, text]. Times are those
+     * of System.nanoTime(). Returns an empty list if there is no log.
      */
     static List<Object> between(long start, long end) throws IOException {
         List<Object> lines = new ArrayList<>();

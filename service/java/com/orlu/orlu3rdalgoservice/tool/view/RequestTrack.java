@@ -8,10 +8,10 @@ import com.orlu.orlu3rdalgoservice.tool.model.RecordedEvents;
 import java.util.ArrayList;
 import java.util.List;
 
-/** The calls of a run that belong to one submitted request, identified by its parameter block. */
+/** The calls of a run that belong to one submitted request. Most are found by its parameter block. */
 final class RequestTrack {
     private final Call mProcess;
-    /** The parameters' handle; "" if the request has none. */
+    /** The handle of the request's parameter block; "" if the request has none. */
     private final String mBlock;
     private final List<Call> mBefore;
     private final List<Call> mAfter;
@@ -23,7 +23,7 @@ final class RequestTrack {
         mAfter = after;
     }
 
-    /** Returns one track for each call of process. */
+    /** Returns one track for each process call. */
     static List<RequestTrack> of(RecordedEvents events) {
         List<Call> calls = events.calls();
         List<RequestTrack> tracks = new ArrayList<>();
@@ -50,7 +50,7 @@ final class RequestTrack {
         return mProcess;
     }
 
-    /** Returns the call that wrote the first parameter, on the thread of process; null if there is none. */
+    /** Returns the process thread's first call that set a parameter of the request; null if there is none. */
     Call firstWrite() {
         Call first = null;
         for (int i = mBefore.size() - 1; i >= 0; --i) {
@@ -82,8 +82,8 @@ final class RequestTrack {
     }
 
     /**
-     * Returns the calls that read results, and the call that destroys the parameters. All are on the thread
-     * of the first call.
+     * Returns the calls that read results, then the call that destroys the parameter block. All are on the
+     * thread of the first read. Returns an empty list if no call reads results.
      */
     List<Call> results() {
         List<Call> results = new ArrayList<>();
@@ -101,7 +101,10 @@ final class RequestTrack {
         return results;
     }
 
-    /** Returns the clean-up calls after process on its thread, and the next call on that thread, if any. */
+    /**
+     * Returns the next calls on the process call's thread after process returned: the clean-up calls, then
+     * the first other call, if any.
+     */
     List<Call> untilNext() {
         List<Call> calls = new ArrayList<>();
         for (Call call : mAfter) {
@@ -116,7 +119,7 @@ final class RequestTrack {
         return calls;
     }
 
-    /** Returns whether the call destroys a block other than the parameters, such as the camera's metadata. */
+    /** Returns whether the call destroys a block other than the parameter block, such as a camera block. */
     boolean isTidyingUp(Call call) {
         return call.operation().equals("destroyMetadata") && !isOnBlock(call);
     }

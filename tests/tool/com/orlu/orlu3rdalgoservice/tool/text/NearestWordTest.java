@@ -17,7 +17,7 @@ public final class NearestWordTest {
             // Letters omitted, inserted, changed, swapped; case is ignored.
             {"ouputs", "outputs"}, {"ouutputs", "outputs"}, {"oktputs", "outputs"}, {"otuputs", "outputs"},
             {"FRAMES", "frames"}, {"fullasync", "fullAsync"}, {"farmes", "frames"}, {"Ipnuts", "inputs"},
-            // At most a third of the letters, rounded down, may be wrong: none of two.
+            // At most a third of the letters, rounded down, may be wrong; in words of two letters, none.
             {"frxxes", "frames"}, {"fxxxes", null}, {"ix", null}, {"ID", "id"}, {"bist", "bits"},
             {"btsi", null},
             // A prefix of at least three letters.
