@@ -1,7 +1,8 @@
-"""Compares stand-in runs of all samples: without the probe, with it, and with it recording tag look-ups.
+"""Measures how much the probe slows down runs of all samples with the stand-in.
 
-probe_ratio.py ROOT RUNS. Prints medians, and their ratios to the runs without the probe. Exits with 1 if a
-ratio is above 1.5.
+probe_ratio.py ROOT RUNS. Runs all samples RUNS times for each of three kinds: without the probe, with the
+probe, and with a probe that also records tag look-ups. Prints the median times of each kind, and their
+ratios to the times without the probe. Exits with 1 if a ratio is above 1.5.
 """
 
 import os
@@ -18,7 +19,7 @@ PROCESS = re.compile(r"\bprocess ([0-9.]+) ms")
 
 
 def run(root, build, options):
-    """Returns the seconds of one run, and the seconds spent in processImage."""
+    """Runs all samples once. Returns the seconds of the whole run, and the seconds spent in processImage."""
     samples = sorted((root / "samples").glob("*.json"))
     begin = time.monotonic()
     # The status is ignored: without the probe there are no events, so ./run can't give a verdict.

@@ -4,7 +4,7 @@ set(ORLU_PARAMETER_TABLE
   ${PROJECT_SOURCE_DIR}/service/java/com/orlu/orlu3rdalgoservice/tool/tags/parameters.txt)
 
 # orlu_parameter_rows(FILE [ROW_END]): writes the parameters of the table as {section, key, bytes}. With
-# ROW_END, writes only rows that end with it.
+# ROW_END, writes only the parameters whose row in the table ends with ROW_END.
 function(orlu_parameter_rows file)
   set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${ORLU_PARAMETER_TABLE})
   file(STRINGS ${ORLU_PARAMETER_TABLE} rows REGEX "^[a-z].*${ARGN}$")
@@ -12,7 +12,7 @@ function(orlu_parameter_rows file)
   foreach(row IN LISTS rows)
     string(REGEX REPLACE "^([a-z]+) +([A-Za-z0-9_]+) +[A-Z_]+ +([0-9*]+) .*"
       "{\"orlu.algo.\\1\", \"\\2\", \\3},\n" row "${row}")
-    string(REPLACE "*" "400" row "${row}")  # one per frame: fifty doubles
+    string(REPLACE "*" "400" row "${row}")  # *: one double per frame; 400 bytes are fifty doubles
     string(APPEND text "${row}")
   endforeach()
   if(NOT text)

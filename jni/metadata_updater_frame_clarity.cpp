@@ -1,4 +1,4 @@
-// The frame-clarity (image score) pass: the scores and indices of the frames.
+// Writes the parameters of the frame-clarity (image score) pass: the frames' scores and indices.
 
 #include <algorithm>
 
@@ -8,13 +8,13 @@
 namespace orlu {
 namespace {
 
-// Size of the algorithms' tables, in frames.
+// Number of frames for which the algorithms' tables of scores and indices have room.
 constexpr int kMaxClarityFrames = 50;
 
 // The camera's marker for a request that needs no algorithm pass.
 constexpr double kNoPassScore = 1'000'000.0;
 
-// Returns one score per capture result; 0 if the camera gave none.
+// Returns one score per capture result. Scores that are missing from the tag are 0.
 FrameValues<double> readImageScores(const Shot& shot) {
   const auto count = static_cast<size_t>(shot.frames().size());
   FrameValues<double> scores(count, count);
@@ -56,7 +56,7 @@ void MetadataUpdater::updateFrameClarity() {
   if (isCalculated == 0) {
     mShot.write<Doubles<kMaxClarityFrames>>(kParameter, kScoreKey, {});
   } else {
-    // Not write<T>(), which would write a fixed size: the size depends on the number of frames.
+    // The size depends on the number of frames, but write<T>() would write a fixed size.
     mShot.parameters().setBytes(kParameter, kScoreKey, scores.data(),
                                 static_cast<unsigned>(scores.size() * sizeof scores[0]));
   }

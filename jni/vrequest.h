@@ -23,7 +23,7 @@ public:
   VRequest(JNIEnv* env, jobject request, jobject inputList, jobject outputList, jobject captureResultList);
   VRequest(const VRequest&) = delete;
   VRequest& operator=(const VRequest&) = delete;
-  // Closes the descriptors that came from shared memory. Hardware buffers own theirs.
+  // Closes the descriptors duplicated from shared memory. Hardware buffers own their descriptors.
   virtual ~VRequest();
 
   int64_t requestId() const { return mRequestId; }
@@ -33,7 +33,8 @@ public:
   const std::vector<AlgoFrameInfo>& inputFrames() const { return mInputFrames; }
   const std::vector<AlgoFrameInfo>& outputFrames() const { return mOutputFrames; }
   std::vector<AlgoFrameInfo>& outputFrames() { return mOutputFrames; }
-  // One entry per frame, in the same order in both lists; borrowed, and null if the Java side had none.
+  // Both lists have one entry per frame, in the same order: a borrowed reference, or null if Java gave no
+  // object.
   const std::vector<jobject>& captureResultCompositions() const { return mCaptureResultCompositions; }
   const std::vector<jobject>& captureResults() const { return mCaptureResults; }
   // The first frame's composition, or null if there is none.
@@ -54,7 +55,7 @@ public:
   // Returns the contents of a java.lang.String; empty for null.
   std::string convertJavaString(jobject string);
   // Returns the composition's stored capture result. If there is none, calls assembleResultComposition() and
-  // stores the result. Returns null for null.
+  // stores the result. Returns null for a null composition.
   jobject getCaptureResult(jobject composition);
   // Returns the list's size, at most 1024; 0 for null and for objects other than lists.
   int getListSize(jobject list);
@@ -62,14 +63,14 @@ public:
   jobject getListElement(jobject list, int index);
   // Copies at most `count` elements; values beyond the array's length are unchanged.
   void getIntArray(int32_t* values, int count, jintArray array);
-  // Converts one image descriptor to a frame record, which is zero where the image can't be read.
-  // `usedSharedMemory` becomes 1 if the frame's descriptor is a duplicate that the caller closes, else 0; it
-  // is unchanged if `image` is no VImageIPC. `handle` is filled in for a hardware buffer and must outlive the
-  // frame.
+  // Converts a VImageIPC to a frame record, in which values that can't be read are zero. Sets
+  // `usedSharedMemory` to 1 if the frame's file descriptor is a duplicate that the caller must close, else to
+  // 0. Leaves it unchanged if `image` is not a VImageIPC. For a hardware buffer, fills in `handle`, which
+  // must outlive the frame.
   AlgoFrameInfo convertVImageIPC(jobject image, int& usedSharedMemory, AlgoNativeHandle* handle);
 
-  // Write a property of output image `index` into its frame record and its Java descriptor. An index outside
-  // either list of outputs is logged and ignored.
+  // Write a property of output image `index` into its frame record and its Java descriptor. An index
+  // without an output image is logged and ignored.
   void setResultJpegSize(int size, int index);  // bytes
   void setResultImageWH(int width, int height, int index);
   void setResultImageFormat(int format, const char* formatName, int index);
@@ -108,7 +109,7 @@ private:
   std::vector<jobject> mOutputImages;
   std::vector<AlgoNativeHandle> mInputHandles;
   std::vector<AlgoNativeHandle> mOutputHandles;
-  std::vector<int> mInputSharedMemoryFlags;  // 1: the frame's descriptors are owned here
+  std::vector<int> mInputSharedMemoryFlags;  // 1: VRequest owns the frame's descriptors
   std::vector<int> mOutputSharedMemoryFlags;
 
   JNIEnv* mEnv = nullptr;
@@ -132,7 +133,7 @@ private:
   jmethodID mMethodStringLength = nullptr;
   jfieldID mFieldCaptureResult = nullptr;
   // Local references reserved for this call. Some VMs count a reservation from the start of the call, so each
-  // new one must include the earlier ones.
+  // new reservation must include the earlier ones.
   jint mReservedReferences = 0;
 };
 

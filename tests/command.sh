@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# Sourced by the tests of ./run, with the build folder as argument, after they set root. Changes to a
-# temporary folder.
+# Setup and checks for the tests of ./run. A test, which gets the build folder as its argument, sets root and
+# then sources this file. Changes to a temporary folder, which is deleted at exit.
 export ORLU_BUILD=$1
 unset ANDROID_LOG_TAGS ORLU_ALGO_TRACE ORLU_EVENTS ORLU_PIXELS ORLU_PLANTED ORLU_ALGO_LIBRARY
 # shellcheck disable=SC2034  # used by the tests that source this file
@@ -23,8 +23,8 @@ command_ends() {
   [ "$status" -eq "$wanted" ] || fail "./run $*: status $status instead of $wanted: $(cat err)"
 }
 
-# ends STATUS PATTERN ARGUMENT...: like command_ends, and expects a line that matches this regular
-# expression.
+# ends STATUS PATTERN ARGUMENT...: like command_ends; also expects a line of out or err that matches the
+# regular expression PATTERN.
 ends() {
   local wanted=$1 pattern=$2 status=0
   shift 2
@@ -33,8 +33,8 @@ ends() {
   grep -qE -- "$pattern" out err || fail "./run $*: no line matches \"$pattern\": $(cat out err)"
 }
 
-# info_says PATTERN FOLDER: runs ./run info for this recording, joins the lines that it wrapped, and expects
-# a line that matches the regular expression.
+# info_says PATTERN FOLDER: runs ./run info for the recording in FOLDER, joins the wrapped lines of its
+# output, and expects a line that matches the regular expression PATTERN.
 info_says() {
   command_ends 0 info "$2"
   sed -E ':on; $!N; s/\n {20}/ /; t on; P; D' out >lines
@@ -49,7 +49,7 @@ prints() {
   done
 }
 
-# refused LINE ARGUMENT...: expects status 2 and no output but this error message.
+# refused LINE ARGUMENT...: expects that ./run ends with status 2 and prints only the error message LINE.
 refused() {
   local line=$1
   shift
@@ -58,7 +58,7 @@ refused() {
   [ ! -s out ] || fail "./run $* printed: $(cat out)"
 }
 
-# ended: exits, with status 1 after a failure.
+# ended: exits with status 1 if a check failed, else with 0.
 ended() {
   [ "$failures" -eq 0 ] && echo "All passed"
   exit $((failures > 0))

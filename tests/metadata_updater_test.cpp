@@ -1,5 +1,5 @@
-// Cases that golden texts cannot express: the parameter channel, the log level, values that the algorithms
-// request, and requests without some objects.
+// Cases that golden files cannot express: the parameter channel, the log level, values that the algorithms
+// request, and requests in which objects are missing.
 
 #include "metadata_updater.h"
 
@@ -90,8 +90,8 @@ TEST(MetadataUpdaterTest, FetchesWhatTheAlgorithmsAskFor) {
   }
 }
 
-// A new updater writes the list of master frames before it has found any, so the list contains zeros. On a
-// second run, it contains the first sixteen.
+// A new updater writes the list of master frames before it has found the master frames, so the list
+// contains zeros. When the same updater runs again, the list contains the first sixteen master frames.
 TEST(MetadataUpdaterTest, ListsSixteenFramesAtMost) {
   Algo algo;
   const LogCapture log;
@@ -133,7 +133,7 @@ TEST(MetadataUpdaterTest, ChannelForwardsToTheBlockOfTheRequest) {
   });
 }
 
-// Without a parameter block, nothing is stored or read. Null frames do no harm.
+// Without a parameter block, nothing is stored or read. Null images and compositions do no harm.
 TEST(MetadataUpdaterTest, SurvivesWhatIsMissing) {
   const test::LocalFrame frame;
   Algo algo;

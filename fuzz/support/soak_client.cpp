@@ -17,9 +17,9 @@ namespace orlu::fuzz {
 struct Current {
   uint64_t request;
   CallbackPool* pool = nullptr;  // receives the callback during process(); may be null
-  HeldCallback callback = {};    // complete once process() is called
+  HeldCallback callback = {};    // observe() fills it in during process()
   bool hasBlock = false;
-  void* cameraBlock = nullptr;  // destroyed when process() has returned
+  void* cameraBlock = nullptr;  // the library destroys it after process() returns
 };
 
 namespace {
@@ -27,7 +27,7 @@ namespace {
 constexpr int64_t kFrameFlag = 77;
 constexpr int kFlushes = 10;  // each waits two seconds at most
 constexpr jint kLocalReferences = 16;
-constexpr uint64_t kLatestRacer = 20'000;  // in microseconds; twice the timeout
+constexpr uint64_t kLatestRacer = 20'000;  // limit of the delay, in microseconds; twice the shortened timeout
 constexpr char kCallbacksClass[] = "com/orlu/fuzz/Callbacks";
 
 thread_local Current* tCurrent = nullptr;
@@ -50,8 +50,8 @@ jobject compositionsOf(SoakKind kind) {
   return kept(test::javaList({composition}));
 }
 
-// Observes the calls to the stand-in: the request's block, its process(), and all destroyed blocks. Sends the
-// callbacks of tInDestroyClient.
+// Observes one call to the stand-in. Reports to the ledger the parameter block and the process() call of this
+// thread's request, and every destroyed block. During destroyClient, sends the callbacks of tInDestroyClient.
 void observe(Ledger& ledger, const probe::WatchedCall& call) {
   if (call.operation == "destroyMetadata") ledger.sawBlockDestroyed(*call.block);
   if (call.operation == "destroyClient" && tInDestroyClient != nullptr) {
@@ -259,7 +259,8 @@ void SoakClient::end(int64_t address) {
                                              mArguments.images, compositions);
 }
 
-// Finishes a request that was not announced to Java, as if Java had guessed its id.
+// Finishes an unannounced request by its id, as if Java had guessed the id. Tries kFlushes times at most,
+// each time after a flush, until the request has left the request map.
 void SoakClient::finishByName(uint64_t nativeReq) {
   bool isKnown = true;
   for (int i = 0; i < kFlushes && isKnown; ++i) {

@@ -10,12 +10,13 @@ namespace orlu::probe {
 
 class EventFile {
 public:
-  // Reads ORLU_EVENTS. Returns true if later lines go to a different file than before. If the new file can't
-  // be opened, prints the reason on standard error, returns false and drops later lines.
+  // Opens the file that ORLU_EVENTS names, if the name has changed. Returns true if a file was opened. If the
+  // file can't be opened, prints the reason on standard error and returns false. After a failure or if the
+  // name is empty, later lines are dropped.
   bool open();
 
   bool isOn() const { return mDescriptor >= 0; }
-  // Errors are ignored: a line, or the rest of a line, that can't be written is lost.
+  // Ignores errors: if a line, or the rest of a partly written line, can't be written, it is lost.
   void write(const std::string& line) const;
 
 private:

@@ -9,7 +9,7 @@
 
 namespace orlu::probe {
 
-// Returns the length of the UTF-8 character at the beginning of the text; 0 if it is invalid.
+// Returns the length in bytes of the first UTF-8 character of a non-empty text; 0 if it is not valid UTF-8.
 inline size_t characterLength(std::string_view text) {
   const auto first = static_cast<unsigned char>(text[0]);
   if (first < 0x80) return 1;

@@ -49,7 +49,7 @@ struct hidl_vec {
   const T* begin() const { return data(); }
   const T* end() const { return data() + mSize; }
 
-  // Refers to elements that the caller keeps alive; they are not deleted here.
+  // Makes the vector refer to the caller's elements, which must outlive it. The vector never deletes them.
   void setToExternal(T* elements, size_t size) {
     release();
     mBuffer.set(elements);

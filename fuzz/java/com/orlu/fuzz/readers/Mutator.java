@@ -12,7 +12,7 @@ import java.util.Random;
 import java.util.stream.Stream;
 import java.util.zip.CRC32;
 
-/** Changes the files of a valid example: the structure of JSON, records of pictures, lines, and any bytes. */
+/** Mutates the files of a valid example: JSON structures, records of pictures, lines of text or any bytes. */
 final class Mutator {
     private final Random mChance;
     private final JsonMutator mJson;
@@ -112,7 +112,7 @@ final class Mutator {
         if (bytes.length == 0) {
             return new byte[] {(byte) mChance.nextInt()};
         }
-        // Half of the changes are limited to the start, where headers are.
+        // Half of the changes start within the first 512 bytes, which contain the headers.
         int at = mChance.nextInt(mChance.nextBoolean() ? bytes.length : Math.min(bytes.length, 512));
         byte[] changed = bytes.clone();
         switch (mChance.nextInt(4)) {
@@ -127,7 +127,7 @@ final class Mutator {
         return changed;
     }
 
-    // Updates the sizes and checksums in JSON files to match the files they name.
+    // Corrects the checksum, and the size if given, of each file that a JSON file describes.
     private static void correctSums(Path folder) throws IOException {
         for (Path file : files(folder)) {
             boolean isLines = file.toString().endsWith(".jsonl");

@@ -4,9 +4,9 @@ import android.hardware.HardwareBuffer;
 
 import java.nio.ByteBuffer;
 
-/** Maps hardware buffers through liborlu.recorder.so, because no public class of the platform can do so. */
+/** Maps hardware buffers through liborlu.recorder.so, because no public class of the platform maps them. */
 final class HardwarePixels {
-    /** Why the library can't be loaded; null if it is loaded. */
+    /** The reason why liborlu.recorder.so can't be loaded; null if it is loaded. */
     private static final String PROBLEM = load();
 
     private HardwarePixels() {

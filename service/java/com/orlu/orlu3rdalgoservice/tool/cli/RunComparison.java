@@ -14,7 +14,7 @@ import java.util.List;
 
 import picocli.CommandLine.Option;
 
-/** The options and the results of a comparison by replay or diff. */
+/** The options and results of comparing runs, in the subcommands replay and diff. */
 final class RunComparison extends ResultOptions {
     @Option(names = "--no-explain", description = "Don't search for the tags that cause differences")
     private boolean mLeavesCauses;

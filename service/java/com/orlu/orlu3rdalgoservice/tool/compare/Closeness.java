@@ -6,7 +6,7 @@ import com.orlu.orlu3rdalgoservice.tool.json.Json;
 import java.util.List;
 import java.util.Map;
 
-/** Compares values whose numbers may differ by at most `tolerance`; 0 requires equality. */
+/** Compares JSON values. Numbers in them may differ by at most `tolerance`; 0 requires equal texts. */
 record Closeness(double tolerance) {
     /** Returns whether the values are close. Null is close only to null. */
     boolean isClose(Json one, Json other) {

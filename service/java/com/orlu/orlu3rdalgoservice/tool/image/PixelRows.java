@@ -18,7 +18,7 @@ import javax.imageio.stream.MemoryCacheImageOutputStream;
 /** A colour picture, read row by row to avoid copying large pictures. Several threads may read at once. */
 public interface PixelRows {
     int CHANNELS = 3;
-    /** Rows that are read in parallel. */
+    /** Number of rows that are read in parallel. */
     int BAND = 32;
     float WHITE = 255;
     /** The compression of PNG files: zlib's level 1. */

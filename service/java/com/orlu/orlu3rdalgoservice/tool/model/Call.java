@@ -1,6 +1,6 @@
 package com.orlu.orlu3rdalgoservice.tool.model;
 
-/** A call between the native and the algorithm library: its begin event and, once it ended, its end event. */
+/** A call between the native and the algorithm library: its begin event and, if it ended, its end event. */
 public final class Call {
     private final Event mBegin;
     private Event mEnd;

@@ -18,7 +18,7 @@ import java.util.ArrayList;
 import java.util.List;
 import java.util.Map;
 
-/** A page of pictures for comparison side by side, in rows and columns or in sequence. */
+/** A page that shows pictures side by side for comparison, in columns or as rows that wrap. */
 public final class ContactSheet {
     private final String mTitle;
     private final String mAbout;
@@ -32,14 +32,14 @@ public final class ContactSheet {
         mColumns = columns;
     }
 
-    /** Returns a cell with a caption, lines and a picture; shows `problem` if `picture` is null. */
+    /** Returns a cell with a caption, lines and a picture. If `picture` is null, shows `problem` instead. */
     public static Map<String, Object> cell(
             String caption, List<String> lines, PixelRows picture, String problem) {
         return JsonWriter.object("caption", caption, "lines", lines, "problem", problem, "picture",
                 picture == null ? "" : PictureData.small(picture).uri());
     }
 
-    /** Returns the cell of an output of a run. If `run` is null, the cell has no picture. */
+    /** Returns the cell of an output of a run. It has no picture if the run or its output is missing. */
     public static Map<String, Object> cell(String caption, List<String> lines, Run run, int output)
             throws MistakeException {
         PixelRows pixels = run == null || run.results().size() <= output ? null
@@ -55,7 +55,7 @@ public final class ContactSheet {
                 : ImageDifference.pixels(image.format(), image.width(), image.height(), strides[0], bytes);
     }
 
-    /** Adds a row of cells; if there are columns, one cell for each. */
+    /** Adds a row. If the page has columns, `cells` contains one cell for each column. */
     public void add(String name, Verdict verdict, List<String> lines, List<Map<String, Object>> cells) {
         mRows.add(JsonWriter.object(
                 "name", name, "ok", verdict.status() == Verdict.OK, "lines", lines, "cells", cells));
