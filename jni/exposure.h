@@ -44,7 +44,7 @@ inline float milliseconds(const Aec& aec, AecElement time = kAecExposureTime) {
   return aec[time] / kNanosecondsPerMillisecond;
 }
 
-// Ratios of the record's sensitivities. A record of zeros gives NaN, which is passed on.
+// Ratios of the record's sensitivities. For a record of zeros, the ratio is NaN, and callers pass NaN on.
 inline float longToShortSensitivity(const Aec& aec) {
   return aec[kAecLongSensitivity] / aec[kAecShortSensitivity];
 }
@@ -53,7 +53,7 @@ inline float longToSafeSensitivity(const Aec& aec) {
 }
 
 // Returns the normal exposure time in whole milliseconds. For a front camera with its own exposure control,
-// it is derived from sensitivity and gain.
+// the time is computed from the short sensitivity and the real gain.
 inline int32_t normalExposureTime(const Aec& aec, bool hasFrontControl) {
   const float nanoseconds =
       hasFrontControl ? aec[kAecShortSensitivity] / aec[kAecRealGain] : aec[kAecExposureTimeNormal];

@@ -1,5 +1,6 @@
 #!/usr/bin/env python3
-"""Tests ./run import with a dump, an image test's JSON and EXIF blocks: complete, truncated and damaged.
+"""Tests ./run import with a dump, the JSON file of an image test, and EXIF blocks. The files are complete,
+truncated or damaged.
 
 importing_test.py BUILD_FOLDER
 """
@@ -21,7 +22,7 @@ RATIONAL, BYTE, TEXT = 5, 1, 2
 
 
 def imported(*arguments):
-    """Runs import. Returns the request written, and the lines printed."""
+    """Runs import. Returns the request that it wrote and the lines that it printed."""
     done = run("import", *arguments, "--out", "made/shot.json")
     expect(f"{arguments} {done.stderr}", 0, done.returncode)
     return json.loads(Path("made/shot.json").read_text()), done.stdout.splitlines()
@@ -123,7 +124,7 @@ def reads_suite():
 
 
 def takes_pictures_by_name_and_size():
-    """A file whose size fits two outputs belongs to the one that its extension names."""
+    """If a file's size fits two outputs, the file's extension selects the output."""
     outputs = [{"format": "yuv", "width": 16, "height": 16}, {"format": "raw", "width": 16, "height": 12}]
     for given in ((), ("two.raw",)):
         Path("two.json").write_text(json.dumps({"captureResult": {}, "outputs": outputs}))
@@ -153,7 +154,7 @@ def reads_exif():
 
 
 def drops_odd_exif():
-    """Import drops fractions with the denominator zero, and uses the first of two sensitivities."""
+    """Import drops fractions with a zero denominator, and uses the first of two sensitivities."""
     none = struct.pack("<II", 0, 0)
     Path("odd.jpg").write_bytes(jpeg_with_exif(
         [(33434, RATIONAL, none), (33437, RATIONAL, none), (34855, SHORT, [100, 200])],
@@ -169,7 +170,7 @@ def drops_odd_exif():
 
 
 def survives_damage():
-    """A truncated or damaged file is read as far as possible, or rejected with one line."""
+    """Import reads a truncated or damaged file as far as possible, or rejects it with a one-line error."""
     sources = {**{name: (FORMS / name).read_bytes() for name in ("dump.txt", "suite.json")},
                "a.jpg": jpeg_with_exif(), "a.dng": dng([[1] * 32] * 24)}
     for name, data in sources.items():
@@ -210,8 +211,8 @@ def png_header(width, height, depth=8, colour=2):
 
 
 def limits_foreign_files():
-    """Files that would take gigabytes or minutes are rejected or read in part. No control characters are
-    printed."""
+    """Import rejects files that would take gigabytes or minutes, or reads them in part. It prints no control
+    characters."""
     result = ("Dumping camera metadata array: 1 / 1 entries\n"
               " android.sensor.timestamp (e0010): int64[1]\n [5 ]\n")
     exif = jpeg_with_exif()

@@ -18,7 +18,7 @@ if [ "$1" = devices ]; then
   printf '* daemon started successfully\nList of devices attached\n%b\n\n' "$PHONES"
   exit
 fi
-# Like adb, counts all listed devices, ready or not.
+# Like adb, the stub counts all listed devices, even those that are not ready.
 if [ -z "${ANDROID_SERIAL:-}" ] && [ "$(printf '%b\n' "$PHONES" | wc -l)" -gt 1 ]; then
   echo "adb: more than one device/emulator" >&2; exit 1
 fi
@@ -39,7 +39,8 @@ chmod +x "$work/bin/adb"
 export WORK=$work PHONES='a1\tdevice' PATH=$work/bin:$PATH ORLU_PHONE_FOLDER="$work/on phone"
 unset ANDROID_SERIAL
 
-# expect STATUS TEXT ARGUMENT...: runs phone.sh, and expects this status and an output with this text.
+# expect STATUS TEXT ARGUMENT...: runs phone.sh with the arguments. Fails unless the exit status is STATUS and
+# the output contains TEXT.
 expect() {
   local status=0 said
   said=$("$phone" "${@:3}" 2>&1) || status=$?
@@ -48,7 +49,7 @@ expect() {
     exit 1
   fi
 }
-# same TEXT FILE: expects this content of the file.
+# same TEXT FILE: fails unless the file's content is TEXT.
 same() { [ "$(cat "$2")" = "$1" ] || { echo "FAILED: $2 has $(cat "$2") instead of $1"; exit 1; }; }
 
 printf '#!/bin/bash\nprintf "<%%s>" "$@"\nexit 1\n' >"$work/kit"

@@ -34,7 +34,7 @@ constexpr Layout kLayouts[] = {
     {"in a padded hardware buffer", 64, 2, true },
 };
 
-// "64 x 48 of format 1", for evidence.
+// Returns the image's size and format for a failure message, such as "64 x 48 of format 1".
 std::string describe(const AlgoFrameInfo& frame);
 
 // The pixels of one row of a plane, as a range of the image's bytes.
@@ -53,10 +53,11 @@ public:
   Image& operator=(const Image&) = delete;
   ~Image();
 
-  // The record as the service builds it. The image keeps ownership of the descriptors.
+  // Returns the image's record, built as the service builds it. The image keeps ownership of the descriptors
+  // and of the native handle.
   AlgoFrameInfo frame() const;
-  // Returns a native handle that the caller owns; null without a hardware buffer. Overwriting the record
-  // leaves the handle intact, because it is allocated separately.
+  // Returns a new native handle that the caller owns; null without a hardware buffer. The handle is allocated
+  // separately from a record, so it stays intact when the record is overwritten.
   AlgoNativeHandle* newHandle() const;
 
   int fd() const { return mFd; }
@@ -65,14 +66,15 @@ public:
   size_t size() const { return mSize; }
   // The bytes written at construction.
   const std::vector<uint8_t>& pattern() const { return mPattern; }
-  // Returns the rows of all planes in order. In formats without a known layout, they cover all but padding.
+  // Returns the rows of all planes in order. In a format without a known layout, the rows cover all bytes
+  // except the padding.
   std::vector<PixelRow> rows() const;
   std::vector<uint8_t> bytes() const;
   bool isAsMade() const { return bytes() == mPattern; }
-  // Returns "" or describes bytes written outside the planes: between them or after the image.
+  // Describes the first byte that was written after the image or between the planes; "" if there is none.
   std::string strayWrite() const;
 
-  // False for JPEG and for unknown formats, which have no pixels at known offsets.
+  // Whether the pixels of a format have known offsets: false for kFormatJpeg and kFormatUnknown.
   static bool hasKnownLayout(int32_t format);
   // All formats that the service passes, including kFormatUnknown.
   static const std::vector<int32_t>& formats();

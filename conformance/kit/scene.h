@@ -62,13 +62,13 @@ struct Message {
   int64_t tid = 0;
   std::chrono::steady_clock::time_point time;
 
-  // Read from the callback's bytes; "" and 0 if there are too few.
+  // Each function decodes a field of `data`. Returns "" or 0 if `data` is too short.
   std::string name() const;
   uint64_t nativeReq() const;
   size_t payloadSize() const;
 };
 
-// Collects callbacks. Its function stays valid until the process ends.
+// Collects callbacks. The callback function stays valid until the process ends.
 class Inbox {
 public:
   Inbox();
@@ -81,7 +81,8 @@ public:
   bool waitFor(uint64_t nativeReq) const;
   // Discards all callbacks received so far.
   void forget();
-  // Calls `look` on the thread of each callback before storing the message. Set it before the first request.
+  // Calls `look` on the thread of each callback before storing the message. Set `look` before the first
+  // request.
   void onCallback(std::function<void(const Message&)> look);
 
 private:
@@ -90,7 +91,7 @@ private:
   AlgoResultCallback* mFunction;
 };
 
-// The start of the evidence for a missing callback.
+// Start of the failure message if a callback is missing; a description of the request follows.
 constexpr char kNoCallback[] = "no callback for ";
 
 struct Request {
@@ -105,11 +106,11 @@ struct Request {
                            void* raw) const;
 };
 
-// Serialised camera metadata with a few tags, in the service's format.
+// Returns camera metadata with a few tags, serialised in the service's format.
 std::string cameraMetadata();
 
-// Submits a request as the service does, with a camera-metadata block that is destroyed when process() has
-// returned. Returns the status of process().
+// Submits a request with a camera-metadata block. Like the service, destroys that block after process()
+// returns. Returns the status of process().
 int submit(const Client& client, const Inbox& inbox, const Block& parameters, const Request& request);
 
 // A client, an inbox, a parameter block and two small images, for checks that need no more.

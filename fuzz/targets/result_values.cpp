@@ -1,5 +1,5 @@
-// Fuzz target: translates results with arbitrary bytes, also of wrong sizes, for up to 63 frames. The
-// translation's JNI calls may fail.
+// Fuzz target: translates parameters to results for up to 63 frames. The parameters have arbitrary bytes and
+// may have wrong sizes. The translation's JNI calls may fail.
 
 #include "result_values.h"
 #include "algo_native_client.h"
@@ -17,7 +17,7 @@ using orlu::fuzz::nameByte;
 
 namespace {
 
-// Reads the algorithms: their number, then a byte per name.
+// Reads the algorithm list from the input: the number of names, then a byte for each name.
 std::vector<std::string> algorithmList(Input& input) {
   const std::string bytes = input.text(input.byte());
   std::vector<std::string> list;
@@ -27,8 +27,9 @@ std::vector<std::string> algorithmList(Input& input) {
   return list;
 }
 
-// Reads the values: their number, then for each value a byte for its name, a byte for its kind, and its bytes
-// or the byte that fills it.
+// Stores values in the parameter block. The input contains the number of values; then, for each value, a byte
+// for the name, a byte for the kind, and up to 8 bytes as the value (kind 0) or one byte that fills the value
+// (kinds 1 and 2). Values of kind 2 are too long.
 void leaveValues(Input& input, orlu::AlgoNativeContext& context, void* block) {
   for (int left = input.byte(); left > 0; --left) {
     const uint8_t name = input.byte();

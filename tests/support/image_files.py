@@ -8,7 +8,8 @@ BYTE, SHORT, LONG = 1, 3, 4
 
 
 def pack_samples(rows, bits, order):
-    """Packs each row: 16-bit samples in the file's byte order, others as a bit stream, highest bit first."""
+    """Packs the samples of each row. Samples of 16 bits have the file's byte order. Smaller samples form a
+    bit stream, highest bit first."""
     if bits == 16:
         return b"".join(struct.pack(f"{order}{len(row)}H", *row) for row in rows)
     packed = b""
@@ -20,7 +21,8 @@ def pack_samples(rows, bits, order):
 
 
 def directory(entries, at, order):
-    """Makes a TIFF directory of (tag, type, values) at this offset, followed by values of over 4 bytes."""
+    """Makes a TIFF directory for the offset `at` from entries (tag, type, values). Values of more than 4
+    bytes follow the directory."""
     entries = sorted(entries)
     behind = at + 2 + 12 * len(entries) + 4
     head, tail = struct.pack(f"{order}H", len(entries)), b""
@@ -37,8 +39,9 @@ def directory(entries, at, order):
 
 
 def lossless_jpeg(rows, bits, components):
-    """Makes a lossless JPEG (SOF3) of interleaved components. Each sample is predicted from the
-    previous sample of its component in the row; the first from the sample above, or the middle level."""
+    """Makes a lossless JPEG (SOF3) with interleaved components. Each sample is predicted from the previous
+    sample of its component in the row. A component's first sample in a row is predicted from the sample above
+    or, in the first row, from the middle level."""
     every = range(components)
     frame = struct.pack(">HBHHB", 8 + 3 * components, bits, len(rows), len(rows[0]) // components, components)
     lengths = [17 * (i == 4) for i in range(16)]
@@ -113,7 +116,7 @@ def dng(rows, bits=16, big_endian=False, white=None, rows_per_strip=None, tile=N
 
 
 def tiff(rows):
-    """Makes a grey TIFF file of 16 bits."""
+    """Makes a grey TIFF file with 16 bits per sample."""
     return dng(rows, photometric=1)
 
 
@@ -138,7 +141,7 @@ def read_pgm(path):
 
 
 def read_png(data):
-    """Returns the rows of an RGB PNG file of 8 bits, each a list of samples."""
+    """Returns the rows of an RGB PNG file with 8 bits per sample. Each row is a list of samples."""
     width, height = struct.unpack(">II", data[16:24])
     at, packed = 8, b""
     while at < len(data):

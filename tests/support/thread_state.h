@@ -1,4 +1,4 @@
-// Waits for a thread to sleep.
+// Waits until a thread sleeps.
 #pragma once
 
 #include <sys/syscall.h>
@@ -15,7 +15,8 @@ inline int threadId() {
   return static_cast<int>(syscall(SYS_gettid));
 }
 
-// Returns when `thread` is set and the thread with this id sleeps in the kernel or has exited.
+// Waits until `thread` contains a thread's id (it is 0 before), and until that thread sleeps in the kernel or
+// has exited.
 inline void untilAsleep(const std::atomic<int>& thread) {
   while (thread == 0) std::this_thread::yield();
   for (;;) {

@@ -7,7 +7,7 @@ import java.util.List;
 import java.util.Random;
 import java.util.zip.CRC32;
 
-/** Changes records of pictures: entries of TIFF directories, chunks of PNG and segments of JPEG files. */
+/** Changes records of image files: entries of TIFF directories, chunks of PNG and segments of JPEG files. */
 final class PictureMutator {
     private static final int[] WORDS = {0, 1, 2, 3, 8, 255, 256, 16384, 16385, 32768, 65535, 1 << 20, 1 << 28,
         Integer.MAX_VALUE, Integer.MIN_VALUE, -1};
@@ -22,7 +22,7 @@ final class PictureMutator {
         mChance = chance;
     }
 
-    /** Changes a record in place, or any bytes if no record is found. */
+    /** Changes one record in place. If there is no record, changes bytes at a random offset. */
     void mutate(byte[] bytes) {
         ByteBuffer all = ByteBuffer.wrap(bytes);
         int start = bytes.length < 16 ? 0 : all.getInt(0);
@@ -73,14 +73,15 @@ final class PictureMutator {
                 entry += TIFF_ENTRY) {
             entries.add(entry);
             int tag = Short.toUnsignedInt(tiff.getShort(entry));
-            // Further images, EXIF and GPS.
+            // The values of these tags are offsets of directories: further images, EXIF and GPS.
             if (tag == 0x14a || tag == 0x8769 || tag == 0x8825) {
                 addEntries(tiff, tiff.getInt(entry + 8), entries, level + 1);
             }
         }
     }
 
-    // Changes the data of a chunk and corrects its checksum; sometimes changes its length or type instead.
+    // Changes the data of a chunk and corrects the checksum; sometimes changes the chunk's length or type
+    // instead. Returns false if there is no chunk.
     private boolean changeChunk(ByteBuffer png) {
         List<Integer> chunks = new ArrayList<>();
         int at = PNG_SIGNATURE;

@@ -22,15 +22,15 @@ final class Recording {
     }
 
     /**
-     * Returns the names of the parameters that the two translations write with different values, a different
-     * number of times, or in a different order.
+     * Compares this translation with another one. Returns the names of the parameters that the two wrote with
+     * different values, a different number of times, or in a different order.
      */
     Set<String> differences(byte[] otherRecord) {
         return Arrays.equals(mRecord, otherRecord) ? Set.of() : differences(new Recording(otherRecord));
     }
 
-    // Skips the equal writes at both ends, because a trial changes only a few of several hundred. Decodes all
-    // writes only if the order differs.
+    // Skips the equal writes at both ends, because a trial changes only a few of several hundred writes.
+    // Decodes all writes only if their order differs.
     private Set<String> differences(Recording other) {
         int most = Math.min(count(), other.count());
         int head = 0;

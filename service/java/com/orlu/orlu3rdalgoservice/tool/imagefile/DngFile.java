@@ -6,9 +6,9 @@ import java.nio.file.Files;
 import java.nio.file.Path;
 
 /**
- * The sensor samples of a DNG file: its image with a colour filter array, in strips or tiles, uncompressed or
- * in lossless JPEG. Loads a native library, in which LibRaw decodes the samples. Methods throw an IOException
- * with the reason if a file can't be read.
+ * Reads the sensor samples of a DNG file: the first image with a colour filter array. The image is in strips
+ * or tiles, which are uncompressed or lossless JPEG. The class loads a native library, in which LibRaw
+ * decodes the samples. Methods throw an IOException with the reason if a file can't be read.
  */
 public final class DngFile {
     static {
@@ -56,12 +56,12 @@ public final class DngFile {
         return mHeight;
     }
 
-    /** The bits that the white level needs; without a valid white level, the stored bits of a sample. */
+    /** Number of bits that the white level needs; without a valid white level, the bits per stored sample. */
     public int bits() {
         return mBits;
     }
 
-    /** Passes all samples of the whole sensor to `to`, in row order. */
+    /** Calls `to` for each sample of the whole sensor, in row order. */
     public void readSamples(SampleSink to) throws IOException {
         nReadRows(mPath, (y, row) -> {
             for (int x = 0; x < row.length; ++x) {

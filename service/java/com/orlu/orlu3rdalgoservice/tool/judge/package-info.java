@@ -1,2 +1,2 @@
-/** The verdict on a run, and the problems found in it. */
+/** Finds the problems of a run and forms the verdict on the run. */
 package com.orlu.orlu3rdalgoservice.tool.judge;

@@ -10,16 +10,17 @@ import java.util.stream.IntStream;
 /**
  * The frame that a request's outputs are compared with.
  *
- * @param index   its index among the request's frames; 0 if there are no frames
- * @param namedBy the result tag that contains the frame's timestamp; "" for the first frame by default
+ * @param index   index of the frame in the request; 0 if there are no frames
+ * @param namedBy the result tag that contains the frame's timestamp; "" if no tag names a frame, so that the
+ *                first frame is used
  */
 public record BaseFrame(int index, String namedBy) {
     private static final String BASE = "orlu.feedback.basicFrameTimestamp";
     private static final String SELECTED = "orlu.feedback.frameSelectResult";
 
     /**
-     * Finds the base frame by its reported timestamp, else by the timestamp of the only selected frame. The
-     * default is the first frame.
+     * Returns the frame that the results report as the base frame, else the only selected frame, else the
+     * first frame. `puts` contains the results in each composition; only the first composition is used.
      */
     public static BaseFrame of(RequestFile request, List<Map<String, Object>> puts) {
         Map<String, Object> put = puts.isEmpty() ? Map.of() : puts.get(0);

@@ -16,19 +16,19 @@ import java.util.regex.Pattern;
 import java.util.zip.CRC32;
 
 /**
- * A file of a recording, which is untrusted. The file has a plain name in the recording's folder, is a
- * regular file, is opened without following links, and must have exactly the size that the recording states.
+ * An untrusted file in the folder of a recording. Its name is plain (see isPlain()). The file must be a
+ * regular file of exactly the size that the recording states; links are not followed.
  *
  * @param size  size in bytes
  * @param crc   CRC-32 of the file's bytes in hexadecimal; empty if unknown
- * @param field the member that names the file, for errors
+ * @param field the JSON member that names the file, for error messages; null for a file that write() wrote
  */
 public record RecordedFile(Path path, int size, String crc, Json field) {
-    /** The largest file that is read. */
+    /** Limit of the size that a recording may state for a file, in bytes. */
     public static final int MOST_BYTES = 1 << 30;
     private static final Pattern PLAIN_NAME = Pattern.compile("[A-Za-z0-9_][A-Za-z0-9_.-]{0,99}");
 
-    /** Returns the file that a field names, in this folder. Does not open it. */
+    /** Returns the file in `folder` whose name is the text of `field`. Does not open the file. */
     public static RecordedFile named(Path folder, Json field, int size, String crc) throws MistakeException {
         if (!isPlain(field.string())) {
             throw field.needs("the name of a file in the recording's folder");
@@ -36,7 +36,10 @@ public record RecordedFile(Path path, int size, String crc, Json field) {
         return new RecordedFile(folder.resolve(field.string()), size, crc, field);
     }
 
-    /** Whether this names a file in a folder, without a path. */
+    /**
+     * Whether a file's name is plain, without folders: 1 to 100 ASCII letters, digits, underscores, dots
+     * and hyphens, not starting with a dot or a hyphen.
+     */
     public static boolean isPlain(String name) {
         return PLAIN_NAME.matcher(name).matches();
     }
@@ -81,7 +84,7 @@ public record RecordedFile(Path path, int size, String crc, Json field) {
         return found.isSymbolicLink() ? "a link" : found.isDirectory() ? "a folder" : "a special file";
     }
 
-    /** Returns the bytes after checking size and checksum. */
+    /** Checks the file's size and, if it is known, the checksum. Returns the file's bytes. */
     public byte[] bytes() throws MistakeException {
         check();
         byte[] bytes = new byte[size];

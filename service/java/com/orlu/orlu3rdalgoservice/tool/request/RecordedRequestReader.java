@@ -13,16 +13,16 @@ import java.util.LinkedHashMap;
 import java.util.List;
 import java.util.Map;
 
-/** Reads a request file that a recorder wrote. Omits values that can't be recreated, with a warning. */
+/** Reads the request file of a recording. Warns about values that can't be recreated, and omits them. */
 final class RecordedRequestReader {
-    /** The member that marks a recorder's file. */
+    /** The JSON member that only the request file of a recording contains. */
     static final String MARK = "recording";
     private static final String FORMAT = "orlu-recording";
     private static final int VERSION = 2;
     private static final int CAMERA_IMAGE_FORMAT = 35;
     private static final int MOST_FRAMES = 1000;
     private static final int MOST_IMAGES = 4000;
-    /** Limit of all images' bytes together: all images are in memory while the request runs. */
+    /** Limit of the total size of all images, in bytes: all are in memory while the request runs. */
     private static final long MOST_IMAGE_BYTES = 1L << 31;
 
     private final Path mFile;

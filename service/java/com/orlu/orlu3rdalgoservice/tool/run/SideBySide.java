@@ -16,7 +16,7 @@ import java.util.concurrent.atomic.AtomicInteger;
 
 /** Runs tasks in parallel, and passes their results to a callback in the order of the tasks. */
 public final class SideBySide {
-    /** Limit on the wait for running tasks. A request may wait for its callback for ten seconds. */
+    /** Limit on the wait for running tasks; a request alone may wait for its callback for ten seconds. */
     private static final long LONGEST_TASK_SECONDS = 30;
 
     /** Receives a result. */
@@ -28,9 +28,10 @@ public final class SideBySide {
     }
 
     /**
-     * Runs the tasks on `jobs` threads, and passes results to `taker` on this thread. `what` names the work
-     * in the display of progress. Throws the first exception of a task or of `taker`, after the running tasks
-     * have finished (or have hung for LONGEST_TASK_SECONDS): they may use objects that the caller closes.
+     * Runs the tasks of `work` on `jobs` threads, and passes the results to `taker` on this thread. `what`
+     * names the work in the progress display. Throws the first exception of a task or of `taker`. Before it
+     * throws, waits for the running tasks for at most LONGEST_TASK_SECONDS, because they may use objects that
+     * the caller closes.
      */
     public static <T> void run(String what, int jobs, List<Callable<T>> work, Taker<T> taker)
             throws MistakeException, IOException {
@@ -63,7 +64,7 @@ public final class SideBySide {
         }
     }
 
-    // Gives up on a task that hangs in the algorithm library.
+    // Waits for the running tasks. The wait is limited, because a task may hang in the algorithm library.
     private static void awaitEnd(ExecutorService threads) {
         try {
             threads.awaitTermination(LONGEST_TASK_SECONDS, TimeUnit.SECONDS);

@@ -26,7 +26,7 @@ public final class Printable {
                 : e instanceof EOFException ? "the file ends too early" : e.getClass().getSimpleName();
     }
 
-    /** Returns the line that reports an exception. Begins with the place of a mistake, or else with "run". */
+    /** Returns an exception's error line. The line begins with the place of a mistake, or else with "run". */
     public static String error(Throwable e) {
         return e instanceof MistakeException found ? found.mistake().text() : "run: error: " + message(e);
     }
