@@ -6,8 +6,8 @@
 namespace orlu {
 namespace {
 
-// Local references to reserve: for the classes, which the cache holds until the native method returns, and
-// for the objects that the parser reads.
+// Number of local references to reserve. The parser caches its classes in local references until the native
+// method returns, and needs further references for the objects that it reads.
 constexpr jint kLocalReferences = 96;
 
 }  // namespace

@@ -3,7 +3,7 @@
 # unpacked once, into the user's cache folder, without root rights. Its packages are not installed on this
 # machine, and its programs run only under the emulator. Source this file after lib.sh.
 
-# The packages in the root, without their dependencies. A change creates a new root.
+# Packages in the root; apt-get adds their dependencies. A change of this list creates a new root.
 readonly arm_root_packages=(
   openjdk-17-jre-headless libturbojpeg0-dev libexif-dev libraw-dev nlohmann-json3-dev libgtest-dev libstdc++6
   libc++-14-dev libc++abi-14-dev
@@ -32,7 +32,8 @@ unpack_arm_root() {
   local work=$1 target=$2 archive
   mkdir -p "$target" "$work/state/lists/partial" "$work/cache/archives/partial"
   : >"$work/status"
-  # A source without armhf only causes a warning here; if a package is then missing, the next step fails.
+  # Errors are ignored here, because some sources may offer no armhf packages. If a package is missing as a
+  # result, the next step fails.
   arm_apt "$work" update >"$work/update.log" 2>&1 || true
   if ! arm_apt "$work" -y --download-only install "${arm_root_packages[@]}" >"$work/install.log" 2>&1; then
     cat "$work/update.log" "$work/install.log" >&2
@@ -44,7 +45,7 @@ unpack_arm_root() {
   make_links_relative "$target"
 }
 
-# make_links_relative ROOT: converts absolute links, which would lead out of the root.
+# make_links_relative ROOT: makes absolute symbolic links relative, because they would lead out of ROOT.
 make_links_relative() {
   local link
   while IFS= read -r -d '' link; do
@@ -52,8 +53,8 @@ make_links_relative() {
   done < <(find "$1" -type l -lname '/*' -print0)
 }
 
-# fetch_arm_root: makes the root if it is missing, and renames it when complete. Deletes the remains of an
-# interrupted download. Concurrent calls wait for each other.
+# fetch_arm_root: creates the root if it is missing. It gets its final path only when it is complete. The
+# remains of an interrupted download are deleted first. Concurrent calls wait for each other.
 fetch_arm_root() {
   local path work lock
   path=$(arm_root_path)

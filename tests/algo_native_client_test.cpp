@@ -1,4 +1,4 @@
-// The client with a Java VM: callbacks that reach Java, their threads, and leaks.
+// Tests AlgoNativeClient with a Java VM: callbacks into Java, the threads of callbacks, and leaks.
 
 #include "algo_native_client.h"
 
@@ -29,7 +29,7 @@ constexpr char kTag[] = "_V_VASJNI-AlgoNativeClient";
 constexpr int64_t kClientId = 0x1'0000'0003;
 constexpr int64_t kReqId = 0x2'0000'0001;
 
-// Returns an event whose values reveal wrong offsets. Unused bytes are 0xEE.
+// Returns a light-stream callback whose values reveal reads at wrong offsets. Unused bytes are 0xEE.
 std::vector<uint8_t> lightStreamCallback(size_t payloadSize = 48) {
   std::string payload(payloadSize < 48 ? 48 : payloadSize, '\xEE');
   const int64_t eventType = 0x1'0000'0002;
@@ -106,7 +106,7 @@ TEST_F(AlgoNativeClientJvmTest, MayBeDestroyedByJavaFromItsCallback) {
   EXPECT_EQ(nullptr, mClient) << "Java was not called";
 }
 
-// The client is destroyed after the callback has found it and before the announcement.
+// Destroys the client during its callback: after the callback has found the client, before it calls Java.
 TEST_F(AlgoNativeClientJvmTest, FinishesARequestThatItsCallbackCanNoLongerAnnounce) {
   static std::unique_ptr<AlgoNativeClient>* client = nullptr;
   static const JNINativeInterface_* original = nullptr;
@@ -131,7 +131,8 @@ TEST_F(AlgoNativeClientJvmTest, FinishesARequestThatItsCallbackCanNoLongerAnnoun
   EXPECT_EQ(0, test::Algo::counts().parameterBlocks);
 }
 
-// An attached thread stays attached and accumulates no local references: the VM would report them.
+// An attached thread stays attached and accumulates no local references; the VM would report them
+// (-Xcheck:jni). On a detached thread, the callback does not call Java, and the thread stays detached.
 TEST_F(AlgoNativeClientJvmTest, LeavesAThreadAsItWas) {
   std::string expected;
   std::thread([&] {
@@ -160,7 +161,7 @@ TEST_F(AlgoNativeClientJvmTest, LeavesAThreadAsItWas) {
 }
 
 TEST_F(AlgoNativeClientJvmTest, LightStreamTellsTheFirstWordOfTheFirstHandle) {
-  // {descriptors, integers, first word} of each handle; -1 descriptors: a null handle.
+  // {descriptors, integers, first word} of each handle. A handle with -1 descriptors is null.
   using Handles = std::vector<std::array<int, 3>>;
   // clang-format off
   const std::pair<Handles, std::string> kCases[] = {

@@ -14,7 +14,7 @@ namespace orlu::conform {
 namespace {
 
 constexpr double kSoonMilliseconds = 100;
-constexpr std::chrono::milliseconds kSettle{250};  // wait for extra callbacks
+constexpr std::chrono::milliseconds kSettle{250};  // time to wait for surplus callbacks
 constexpr size_t kLeastCallbackBytes = 21;
 
 // A record on its own page. doom() overwrites the record and makes the page inaccessible.
@@ -145,7 +145,7 @@ public:
     step("waiting for the callbacks of " + std::to_string(mNames.size()) + " requests");
     std::string missing;
     for (size_t id = 0; id < mNames.size(); ++id) {
-      // After the first missing callback, does not wait for the rest.
+      // Once a callback is missing, does not wait for the later ones, and only checks whether they arrived.
       const bool came = missing.empty() ? mInbox.waitFor(id + 1) : mInbox.count(id + 1) > 0;
       if (!came) missing += (missing.empty() ? "" : "; ") + mNames[id];
     }

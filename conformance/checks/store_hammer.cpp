@@ -16,18 +16,18 @@ namespace orlu::conform {
 namespace {
 
 constexpr int kThreads = 8;
-constexpr int kKeys = 8;  // per thread and shared block
+constexpr int kKeys = 8;  // keys of each thread in the shared block
 constexpr double kDefaultSeconds = 3;
-// Maximum number of rounds in the default time. Each round has a new shared block, because threads collide
+// Maximum number of rounds for the default time. Each round has a new shared block, because threads collide
 // more often in a small block.
 constexpr int kRounds = 1000;
-// Minimum number of rounds for the default time, even if they take longer: fewer might not reveal a missing
-// lock.
+// Minimum number of rounds for the default time. All of them run, even if that takes longer: fewer rounds
+// might not reveal a missing lock.
 constexpr int kFewestRounds = 200;
 constexpr size_t kLarge = 6000;  // bytes: copying them takes long enough to be interrupted
 constexpr char kOfAll[] = "set_by_all_threads";
 
-// Calls without the observer, whose overhead would keep the threads from colliding.
+// setBare() and getBare() bypass the observer, because its overhead would keep the threads from colliding.
 int setBare(void* block, const std::string& key, const std::string& bytes) {
   return call(-1, Library::open()->bareTable().metadataOps.setValue, block, kParameter, key.c_str(),
               static_cast<void*>(const_cast<char*>(bytes.data())), static_cast<unsigned>(bytes.size()));
@@ -40,8 +40,8 @@ std::string getBare(void* block, const std::string& key, size_t size) {
   return status == 0 ? bytes : "";
 }
 
-// Pauses its thread every 130 us, also inside the library, so that other threads run. This reveals a missing
-// lock even on one processor.
+// Every 130 us, pauses the thread that created this object, even inside the library, so that other threads
+// run. This reveals a missing lock even on one processor.
 class Interruptions {
 public:
   Interruptions() {
@@ -94,7 +94,7 @@ private:
   std::atomic<int> mTurn{0};
 };
 
-// Counts values that differ from those that were set.
+// Counts values that were read and differ from the expected value. Describes the first such value.
 struct Wrong {
   int count = 0;
   std::string first;
@@ -114,12 +114,13 @@ struct Wrong {
 
 struct Hammer {
   Barrier barrier;
-  void* shared = nullptr;  // the block of the round
+  void* shared = nullptr;  // the block of the current round
   int rounds = 0;
   bool isDone = false;
   Wrong wrong[kThreads];
 
-  // In sorted order, keys of different threads alternate, so that their entries are neighbours in a map.
+  // In sorted order, keys of different threads alternate. In a map, each entry is therefore next to entries
+  // of other threads.
   static std::string key(int number, int thread) {
     return std::to_string(number) + "_of_thread_" + std::to_string(thread);
   }
@@ -127,7 +128,8 @@ struct Hammer {
     return std::string(size, static_cast<char>(round * 64 + number * kThreads + thread));
   }
 
-  // Sets the thread's own keys and a key that all threads set. Then creates and destroys a block.
+  // Sets the thread's own keys and the common key in the shared block, and checks each value. Then creates a
+  // block, sets and checks one value in it, and destroys this block.
   void strike(int round, int thread) {
     Wrong& own = wrong[thread];
     for (int i = 0; i < kKeys; ++i) {
@@ -147,7 +149,8 @@ struct Hammer {
     callPlain(ops.destroyMetadata, block);
   }
 
-  // The first thread creates and checks the block of each round while the others wait.
+  // Runs on the first thread. Creates the shared block of each round, and checks it at the end of the round.
+  // The other threads wait during both.
   void lead() {
     const std::chrono::duration<double> time(options().hammerSeconds);
     const auto end = std::chrono::steady_clock::now() + time;

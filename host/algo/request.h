@@ -1,4 +1,5 @@
-// One request from process() to its last callback, with copies of the record and its descriptors.
+// One request, from its process() call to its last callback. Contains copies of the record's values, and
+// duplicates the descriptors of its images.
 #pragma once
 
 #include <chrono>
@@ -16,7 +17,7 @@ namespace orlu::standin {
 
 class Request {
 public:
-  // If `parameters` is null, the request uses a private set.
+  // If `parameters` is null, the request creates its own parameter set.
   Request(const AlgoProcessRecord& record, std::shared_ptr<const AlgoScript> script,
           std::shared_ptr<ParameterSet> parameters);
 
@@ -25,9 +26,11 @@ public:
   void callBack() const;
   // Sends the "lightStreamCb" of a light-stream request on this thread; does nothing for other requests.
   void sendLightStreamEvent() const;
-  // Releases the images. Call before the callback, whose receiver may assume that the images are unused.
+  // Releases the images. Must precede callBack(): the receiver of the callback may assume that the images are
+  // no longer used.
   void releaseImages();
-  // Gets the size of the first input, else of the first output. Without images, changes nothing.
+  // Gets the size of the first input or, without inputs, of the first output. Without images, leaves the
+  // arguments unchanged.
   void frameSize(int32_t& width, int32_t& height) const;
 
   const AlgoScript& script() const { return *mScript; }
@@ -37,7 +40,7 @@ public:
   const std::vector<std::string>& algoList() const { return mAlgoList; }
   std::vector<Frame>& inputs() { return mInputs; }
   std::vector<Frame>& outputs() { return mOutputs; }
-  // The earliest time of a callback, unless the request is aborted.
+  // Time before which callBack() is not called, unless the request is aborted.
   std::chrono::steady_clock::time_point due() const { return mDue; }
 
 private:

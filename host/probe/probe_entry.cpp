@@ -1,4 +1,5 @@
-// The probe's only export: an entry that calls the entry of the algorithm library behind the probe.
+// The probe's only export, AlgoInterfaceEntry(). It calls the same function of the algorithm library behind
+// the probe, then replaces the table's callables with wrappers that record each call.
 #include "event_recorder.h"
 #include "setting.h"
 
@@ -7,7 +8,7 @@ namespace {
 
 class Probe {
 public:
-  // Never destroyed: tables and callbacks report to it until the process ends.
+  // The probe is never destroyed: tables and callbacks report to its recorder until the process ends.
   static Probe& instance() {
     static Probe* const probe = new Probe();
     return *probe;
@@ -27,7 +28,8 @@ public:
   }
 
 private:
-  // Tries again at each call of the entry until the library opens, as the service does without a probe.
+  // Returns the library's entry; null if the library can't be opened. The next call then tries again, as the
+  // service does without a probe.
   RealLibrary::Entry realEntry(const void* caller) {
     const std::lock_guard<std::mutex> lock(mMutex);
     if (mEntry == nullptr) mEntry = mRecorder.load(caller).entry;

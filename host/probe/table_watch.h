@@ -32,7 +32,9 @@ struct CallbackArguments {
 struct WatchedCall {
   std::string_view operation;  // the name of the callable, or "callback", "visit", "entry"
   uint64_t number = 0;         // counts the calls of this process, from 1
-  uint64_t of = 0;             // visit: the enclosing call; callback: the last process() with its cookie
+  // For a visit, the number of the enclosing call. For a callback, the number of the last process() that
+  // passed the callback's cookie.
+  uint64_t of = 0;
 
   const AlgoCreateClientRecord* createClient = nullptr;
   const AlgoInitRecord* init = nullptr;
@@ -44,8 +46,8 @@ struct WatchedCall {
   const AlgoTranslateParamFileRecord* translateParamFile = nullptr;
   const CallbackArguments* callback = nullptr;
   const ValueArguments* value = nullptr;
-  const int* kind = nullptr;      // of createMetadata
-  void* const* client = nullptr;  // of destroyClient
+  const int* kind = nullptr;      // argument of createMetadata
+  void* const* client = nullptr;  // argument of destroyClient
   void* const* block = nullptr;
 };
 
@@ -72,18 +74,19 @@ protected:
   ~TableObserver() = default;
 };
 
-// Returns a table whose callables call those of `real` and report to the observer. Each cookie that points to
-// a function is replaced by the address of a wrapper of this function. Wrappers are never freed, so that a
-// late callback still reaches the caller's function.
+// Returns a table whose callables call the callables of `real` and report to the observer. If a cookie
+// points to a function, process() passes the address of a wrapper instead. The wrapper reports the callback
+// and calls the function. Wrappers are never freed, so that a late callback still reaches the function.
 AlgoInterfaceCallbacks watchedTable(const AlgoInterfaceCallbacks& real, TableObserver& observer);
 
 // Runs `body`, a call to the library outside any table, and reports it. Returns the number of the call.
 uint64_t watchCall(TableObserver& observer, const char* operation, const std::function<void()>& body);
 
-// Returns the number for a call that begins now.
+// Returns a new number, for a call that begins now.
 uint64_t nextCallNumber();
 
-// Returns the names of the offered callables, or of the empty ones if `offered` is false, in table order.
+// Returns the names of the callables that the table offers (`offered` is true) or that are empty (false), in
+// table order.
 std::vector<std::string> callableNames(const AlgoInterfaceCallbacks& table, bool offered);
 
 }  // namespace orlu::probe

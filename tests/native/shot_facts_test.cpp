@@ -1,4 +1,4 @@
-// Small functions of a shot: camera role, fusion frames, aperture.
+// Tests the functions that compute a shot's camera role, fusion frames and simulated aperture.
 
 #include <gtest/gtest.h>
 

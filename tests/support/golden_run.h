@@ -1,5 +1,5 @@
-// Translates the metadata of a golden text's request as the product does for an image request, and compares
-// the result with the text.
+// Translates the metadata of a golden text's request in the same way as RequestProcessor::processImage(), and
+// compares the result with the text.
 #pragma once
 
 #include <functional>
@@ -14,15 +14,16 @@
 namespace orlu::test {
 
 struct GoldenRun {
-  std::vector<GoldenWrite> writes;  // in order; their type is "bytes"
+  std::vector<GoldenWrite> writes;  // in order; each value has the type "bytes"
   std::vector<std::string> after;   // lines in the form of a text's [after]
-  // Other facts that variations can expect: unchanged outputs, "output none", "no skip", "rawnr" (the HDR
-  // type and the night frame's index), and "format" (the first input's format, and whether it is raw).
+  // Lines that only variations can expect: "output N unchanged", "output none" (the request has no outputs),
+  // "no skip", "rawnr" (HDR type and index of the night frame), and "format" (the first input's format, and 1
+  // if it is raw, else 0).
   std::vector<std::string> more;
 };
 
-// Clears `algo`, then records the calls in it. `inspect` gets the updater before its parameter block is
-// destroyed.
+// Translates the metadata of `golden`. Clears the calls in `algo` before the translation, which adds its own.
+// Calls `inspect` with the updater while the parameter block still exists.
 GoldenRun runGolden(const GoldenCase& golden, Algo& algo,
                     const std::function<void(MetadataUpdater&)>& inspect = {});
 

@@ -1,5 +1,5 @@
-// Host stand-in for the system properties (libcutils.so). They exist only in this process; the environment
-// variable ORLU_HOST_PROPERTIES sets their initial values ("name=value;name=value").
+// Host stand-in for libcutils.so. Its system properties exist only in this process. The environment variable
+// ORLU_HOST_PROPERTIES sets their initial values ("name=value;name=value").
 #pragma once
 
 #ifdef __cplusplus

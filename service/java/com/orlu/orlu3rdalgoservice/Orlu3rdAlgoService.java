@@ -1,12 +1,12 @@
 package com.orlu.orlu3rdalgoservice;
 
 /**
- * The service's interface to the native library. Each method that takes a client handle and returns an int
- * returns 0 on success, and -1 for handle 0, for a null list, or if memory is exhausted.
+ * The service's interface to the native library. All int results except the version are status codes: -1 for
+ * handle 0, for a null list, or if memory is exhausted; otherwise 0, even if the algorithm library fails.
  *
  * A client handle is the address of a native object. Handles other than 0 are not checked, so the handle of a
- * destroyed client must not be used again. Calls on one client must not overlap, except that a callback may
- * call any method.
+ * destroyed client must not be used again. A callback may call any method at any time; other calls on one
+ * client must not overlap.
  */
 public final class Orlu3rdAlgoService {
     static {
@@ -25,13 +25,22 @@ public final class Orlu3rdAlgoService {
     /** Releases a client's algorithms in the mode for "imageFormat". The client can be initialised again. */
     public native int algoRelease(long inst, Object param);
 
-    /** Flushes a client's algorithms; ideally returns after the requests in flight. Ignores both objects. */
+    /**
+     * Flushes a client's algorithms. Ideally, the call returns only when no request is in flight. Ignores
+     * both objects.
+     */
     public native int flush(long inst, Object unread, Object param);
 
-    /** Aborts the requests whose frame flag is "AbortVal". If "AbortKey" is another tag, only returns 0. */
+    /**
+     * Aborts the requests whose tag "orlu.control.frameFlag" equals "AbortVal", but only if "AbortKey"
+     * begins with this tag's name.
+     */
     public native int abort(long inst, Object unread, Object param);
 
-    /** Returns the algorithm library's answer to "cmd": "" if it has none, null if it can't be asked. */
+    /**
+     * Returns the algorithm library's answer to "cmd"; "" if the library stores no answer. Returns null if
+     * the handle is 0, `param` is null, the library offers no getData, or memory is exhausted.
+     */
     public native String getData(long inst, Object param);
 
     /** Passes a parameter file in shared memory to the algorithm library, with its name in "identifier". */

@@ -18,8 +18,8 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * A request that is translated repeatedly, on one client and with the same images, whose pixels are never
- * read. Each trial's changes are undone afterwards.
+ * A request for trials. All trials use one client and the same images; the pixels of these images are never
+ * read. After each trial, its changes are undone.
  */
 final class TrialRequest implements AutoCloseable {
     private static final String NATIVE_REQUEST = "nativeRequestAddr";
@@ -27,18 +27,19 @@ final class TrialRequest implements AutoCloseable {
     record Frame(CameraMetadataNative captureResult, Map<String, Object> composition) {
     }
 
-    /** A change of a frame's tag in the composition or the capture result; null removes the tag. */
+    /** A change of one tag of a frame, in its composition or capture result. A null value removes the tag. */
     record Change(int frame, boolean inComposition, String tag, Object value) {
     }
 
     /**
-     * The look-ups of a tag. `composition` is true for a look-up in the composition; `captureResult` is the
-     * class requested from the capture result, null without such a request.
+     * The look-ups of one tag in one frame. `composition` is true if the tag was looked up in the
+     * composition. `captureResult` is the class requested from the capture result; null if the tag was not
+     * looked up there.
      */
     record Asked(boolean composition, Class<?> captureResult) {
     }
 
-    /** The look-ups in each frame. */
+    /** The look-ups of each frame, by tag. */
     private final List<Map<String, Asked>> mAsked = new ArrayList<>();
 
     private final Orlu3rdAlgoService mService = new Orlu3rdAlgoService();
@@ -73,7 +74,7 @@ final class TrialRequest implements AutoCloseable {
         return mFrames;
     }
 
-    /** Returns the look-ups in a frame since the last call. */
+    /** Returns a frame's look-ups since the previous call of this method, by tag. */
     Map<String, Asked> takeAsked(int frame) {
         Map<String, Asked> asked = mAsked.get(frame);
         mAsked.set(frame, new LinkedHashMap<>());
@@ -81,9 +82,9 @@ final class TrialRequest implements AutoCloseable {
     }
 
     /**
-     * Translates the request with some values changed, and returns the record of its writes. Throws
-     * IllegalArgumentException, without running, if the capture result can't hold a value. Look-ups are
-     * recorded only if `recordsLookups` is true, because recording takes time.
+     * Translates the request with these changes, and returns the record of the translation's writes (see
+     * TrialLibrary). If a capture result can't hold a value, throws IllegalArgumentException and translates
+     * nothing. Look-ups are recorded only if `recordsLookups` is true, because recording takes time.
      */
     byte[] run(List<Change> changes, boolean recordsLookups) {
         List<Object> before = new ArrayList<>();

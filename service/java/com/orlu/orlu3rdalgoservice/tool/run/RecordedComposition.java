@@ -7,7 +7,10 @@ import com.orlu.orlu3rdalgoservice.record.HeldValue;
 
 import java.util.Map;
 
-/** A composition that writes events: look-ups in it and in its capture result, and values put into it. */
+/**
+ * A composition that writes an event for each look-up in the composition or its capture result, and for each
+ * call of putMetadata().
+ */
 public final class RecordedComposition extends CaptureResultComposition {
     private final CameraMetadataNative mCaptureResult;
 
@@ -20,7 +23,7 @@ public final class RecordedComposition extends CaptureResultComposition {
         mCaptureResult = captureResult;
     }
 
-    /** Starts writing events of the frame with this index; null stops it. */
+    /** Starts writing to `events`, as frame number `frame` (from 0). If `events` is null, stops writing. */
     public void record(EventLog events, int frame) {
         mEvents = events;
         mFrame = frame;

@@ -16,8 +16,9 @@ import java.util.List;
 import java.util.Map;
 
 /**
- * The folder of a run's pages: one for each request, written as soon as the request finishes, and an index if
- * there are several. The work folder keeps the state, so that another process can continue after a crash.
+ * The folder of a run's pages. Each request gets a page as soon as it finishes; a run of several requests
+ * also gets an index. The file WorkFolder.pages() stores the state, so that another process can continue
+ * after a crash.
  */
 public final class PageFolder {
     private static final double BYTES_PER_KILOBYTE = 1000;
@@ -31,14 +32,14 @@ public final class PageFolder {
     private final List<Object> mEntries = new ArrayList<>();
     private long mEnd;
 
-    /** `requests` is the number of requests. The folder is created with the first file. */
+    /** `requests` is the number of the run's requests. The folder is created with its first file. */
     public PageFolder(Path folder, int requests) {
         mFolder = folder;
         mIsPart = requests == 1 && System.getenv(WorkFolder.PAGES) != null;
         mHasIndex = requests > 1 || mIsPart;
     }
 
-    /** Restores the state that a dead process left. */
+    /** Restores the state that another process stored before it died. */
     public void resume() throws IOException {
         Json state = state(WorkFolder.pages());
         if (state != null) {
@@ -47,7 +48,10 @@ public final class PageFolder {
         }
     }
 
-    /** Adds the page that another process wrote. `file` has the state of that process, and may be missing. */
+    /**
+     * Adds a request that another process ran. `file` contains the state of that process. If the state has no
+     * page, or `file` is null or missing, the index shows the request as not run.
+     */
     public void addOther(Path file, Path request) throws IOException {
         Json state = state(file);
         mEntries.add(state == null || state.get("entries").elements().isEmpty() ? entry(request)
@@ -63,7 +67,7 @@ public final class PageFolder {
         }
     }
 
-    // Returns the entry of a request without a page.
+    // Returns the index entry of a request without a page.
     private static Map<String, Object> entry(Path request) {
         return JsonWriter.object("file", request.toString());
     }
@@ -73,7 +77,7 @@ public final class PageFolder {
         return mEntries.size();
     }
 
-    /** Returns when the last page was written, by System.nanoTime(); 0 without a page. */
+    /** Returns the System.nanoTime() after the last page was written; 0 if no page was written. */
     public long end() {
         return mEnd;
     }
@@ -131,7 +135,7 @@ public final class PageFolder {
         }
     }
 
-    /** Writes the index if the run has several requests. It shows requests without a page as not run. */
+    /** Writes the index if the run has several requests. It lists requests without a page as not run. */
     public void writeIndex(List<Path> requests) throws IOException {
         if (!mHasIndex || mIsPart) {
             return;

@@ -1,4 +1,4 @@
-// The light or dark theme: the system's, until the user presses the button.
+// Light or dark theme. Follows the system until the user switches with the button or the key t.
 
 const systemDark = window.matchMedia("(prefers-color-scheme: dark)");
 let chosenTheme = null;
