@@ -25,8 +25,8 @@ struct _tagOrluSize {
 static_assert(sizeof(_tagOrluSize) == 8);
 static_assert(offsetof(_tagOrluSize, height) == 4);
 
-// A sensor crop in the order left, right, top, bottom, unlike __tagOrluRect. Its users read the fields by
-// position, as x, y, width, height. The record is copied as a whole, so its creator zeroes it first.
+// A sensor crop. Its fields contain x, y, width and height, in this order, despite their names. Their order
+// differs from __tagOrluRect. The record is copied with its padding, so its creator zeroes it first.
 struct SCR_Type {
   int32_t left;
   int32_t right;
@@ -58,7 +58,7 @@ struct PdafPair {
   int32_t second = 0;
 };
 
-// Phase-detection data in the algorithms' layout. The count comes from the camera and may exceed the table.
+// Phase-detection data in the algorithms' layout. The count comes from the camera and may exceed kPairs.
 struct PdafInfo {
   static constexpr int kPairs = 256;
 
@@ -160,7 +160,7 @@ struct RefocusPackParams {
   uint8_t reserved0[92] = {};
   int32_t pointRatioX = 0;
   int32_t pointRatioY = 0;
-  int32_t fNumber = 0;  // times 100
+  int32_t fNumber = 0;  // f-number times 100
   uint8_t reserved104[12] = {};
   int32_t filmSize = 0;
 };

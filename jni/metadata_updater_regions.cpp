@@ -83,7 +83,7 @@ void MetadataUpdater::convertMetering(__tagOrluRect& region, MeteringRegion (Sho
 
   const bool isScaled = needRemapRegion(active, image.width, image.height);
   region = mapToImage(orig, active, image, isScaled, texts.operation, texts.unscaled);
-  // Without zoom, regions are not clamped, unlike faces (Oddity 27).
+  // Regions are clamped only if they are zoomed; faces are always clamped (Oddity 27).
   if (zoom > 1.0F) {
     region = zoomedAboutCentre(region, image, zoom);
     clampToImage(region, image);

@@ -12,8 +12,9 @@ struct Mapping {
   int64_t offsetY;
 };
 
-// Scales the active array so that its other axis fits the image; returns half of its excess on this axis.
-// Multiplies before dividing, because algorithms rely on this rounding.
+// Scales the active array to the image's size on the other axis. Returns half of the length by which the
+// scaled array exceeds the image on this axis. Multiplies before dividing, because algorithms rely on this
+// rounding.
 int64_t halfExcess(int32_t active, int32_t imageOther, int32_t activeOther, int32_t image) {
   return (int64_t{active} * imageOther / activeOther - image) / 2;
 }

@@ -1,6 +1,6 @@
 #!/bin/bash
-# Runs ./run with faulty algorithm libraries and checks its last line and status: verdict_test.sh
-# BUILD_FOLDER. Waiting for callbacks takes long, so four rows run in parallel.
+# verdict_test.sh BUILD_FOLDER: runs ./run with faulty algorithm libraries, and checks its last line and exit
+# status. Four rows run in parallel, because some of them wait ten seconds for a callback.
 set -uo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 export ORLU_BUILD=$1
@@ -9,8 +9,8 @@ folder=$(mktemp -d)
 trap 'rm -rf "$folder"' EXIT
 echo "no library" >"$folder/text.so"
 
-# sample, with "!" for --validate | fault: an invalid library file, or a fault of tests/planted | status |
-# regular expression for the verdict
+# sample ("!" adds --validate) | invalid library file, or fault of tests/planted | exit status | regular
+# expression for the text after "FAILED: " in the verdict, unused with status 0
 rows() {
   cat <<'ROWS'
 capture|text.so|3|the algorithm library can't be opened: .*/text\.so: file too short
@@ -59,7 +59,8 @@ night-async!||0|
 ROWS
 }
 
-# lose_patience GROUP: terminates the run with this process group once it is inside the operation "process".
+# lose_patience GROUP: waits up to a minute until the run calls the operation "process", then terminates the
+# run's process group.
 lose_patience() {
   local i
   for ((i = 0; i < 600; ++i)); do

@@ -52,7 +52,7 @@ struct Limit {
   bool runsOut;  // a leak soon makes the library's own calls fail
 };
 
-// The C library caches freed stacks and arenas for the next thread.
+// The slack allows for the freed stacks and arenas that the C library caches for the next thread.
 constexpr Limit kLimits[] = {
     {"descriptors",     &Holdings::descriptors, 2,               true },
     {"threads",         &Holdings::threads,     4,               true },
@@ -68,9 +68,10 @@ void judgeGrowth(const Holdings& growth) {
   }
 }
 
-// Sets `least` to the growth that kRequests requests cause. If only memory grows, repeats this up to kRounds
-// times and takes the smallest growth: on a busy machine more threads of the tested library overlap, and the
-// C library allocates an arena for each of them once. Returns false if a callback is missing.
+// Sets `least` to the growth that kRequests requests cause. If only mappings or bytes exceed their slack,
+// measures again, up to kRounds rounds in all, and takes the smallest growth of each. Reason: on a busy
+// machine more threads of the tested library overlap, and the C library allocates an arena for each of them
+// once. Returns false if a callback is missing.
 bool measureGrowth(Client& client, Inbox& inbox, Holdings& least) {
   constexpr std::chrono::milliseconds kListed{150};  // an exited thread stays listed for a moment
   for (uint64_t round = 0; round < kRounds; ++round) {
@@ -99,7 +100,7 @@ struct Sample {
   double bytes;
 };
 
-// Bytes per request, by least squares.
+// Returns the growth in bytes per request, by least squares.
 double slopeOf(const std::vector<Sample>& samples) {
   Sample mean = {0, 0};
   for (const Sample& sample : samples) {
@@ -115,8 +116,8 @@ double slopeOf(const std::vector<Sample>& samples) {
   return square == 0 ? 0 : product / square;
 }
 
-// Runs `most` requests, or fewer if they take kMostSeconds; sets `done` to their number. Returns the slope
-// over the second half of them; 0 if a callback is missing.
+// Runs `most` requests, or fewer if they take kMostSeconds. Sets `done` to the number of requests. Returns
+// the growth in bytes per request over the second half of the requests; 0 if a callback is missing.
 double slopeOfRequests(Client& client, Inbox& inbox, uint64_t most, uint64_t& done) {
   const Image input;
   const Image output({}, 2);
@@ -158,7 +159,8 @@ std::string listOf(const std::vector<std::string>& left) {
   return text;
 }
 
-// Runs requests with one format and layout. Fails the check for leaks, and for wrong closes and unmaps.
+// Runs requests with images of one format and layout. The check fails if a descriptor or mapping leaks, or if
+// the library closes or unmaps wrongly.
 void watchOne(Scene& scene, DescriptorWatch& watch, const ImageShape& shape, const std::string& what) {
   const Image input(shape, 1);
   const Image output(shape, 2);

@@ -13,7 +13,7 @@ class ScriptHolder {
 public:
   // Starts with the script that ORLU_ALGO_DELAY and ORLU_ALGO_ECHO describe.
   ScriptHolder();
-  // Sets the common script. Null sets a default AlgoScript, without the settings of the environment.
+  // Sets the common script. Null sets a default AlgoScript, which ignores the environment variables.
   void set(const AlgoScript* script);
   // Sets the calling thread's script. Null removes it.
   static void setOwn(const AlgoScript* script);

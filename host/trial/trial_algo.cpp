@@ -14,8 +14,9 @@ namespace {
 
 int gToken = 0;  // its address is the handle of every client and block
 
-// The record: section, key and value of each write, each as a 32-bit length in native byte order followed by
-// its bytes. The algorithm list has the section "", with one write for the list and one for each name.
+// The record: the writes in order. A write is a section, a key and a value; each of these three is a 32-bit
+// length in native byte order, followed by its bytes. The algorithm list is a write with an empty value, then
+// one write for each name, all with the section "" and the key "algorithms".
 std::vector<uint8_t> gRecord;
 
 void append(const void* bytes, size_t size) {
@@ -55,7 +56,7 @@ EXPORTED void AlgoInterfaceEntry(orlu::AlgoInterfaceCallbacks* table) {
   table->metadataOps.setValue = orlu::trial::setValue;
 }
 
-// TrialLibrary.take(): returns the record since the last call; null if the VM has no memory for it.
+// TrialLibrary.take(): returns and clears the record; returns null if the VM has no memory for it.
 EXPORTED JNIEXPORT jbyteArray JNICALL
 Java_com_orlu_orlu3rdalgoservice_tool_explain_TrialLibrary_take(JNIEnv* env, jclass /*clazz*/) {
   std::vector<uint8_t>& record = orlu::trial::gRecord;

@@ -9,7 +9,7 @@
 
 namespace orlu::recorder {
 
-// Formats of the platform that the NDK's header does not name.
+// Platform formats that the NDK's header does not name.
 constexpr uint32_t kFormatYcrcb420Sp = 0x11;
 constexpr uint32_t kFormatRaw16 = 0x20;
 constexpr uint32_t kFormatRaw10 = 0x25;
@@ -21,8 +21,8 @@ constexpr uint64_t kMostBytes = std::numeric_limits<int32_t>::max();
 // Maximum number of unused rows that a device may insert between two planes for alignment.
 constexpr uint64_t kMostUnusedRows = 128;
 
-// Returns the bytes of a row with its padding; 0 if unknown. For many formats the platform sets no row
-// stride; for some of them, the buffer's description gives it.
+// Returns the size of a row in bytes, padding included; 0 if unknown. For many formats the platform sets no
+// row stride in `plane`; for some of these formats, `desc` gives the stride.
 inline uint64_t rowBytes(const AHardwareBuffer_Desc& desc, const AHardwareBuffer_Plane& plane) {
   if (plane.rowStride != 0) return plane.rowStride;
   switch (desc.format) {
@@ -43,9 +43,9 @@ inline bool is420(uint32_t format) {
          format == kFormatYv12 || format == kFormatYcbcrP010;
 }
 
-// Returns the bytes from the first plane's start to the end of the last plane's last row, padding included;
-// 0 if the layout is unknown, planes overlap or are over kMostUnusedRows rows apart, or the extent exceeds
-// kMostBytes.
+// Returns the number of bytes from the first plane's start to the end of the last plane's last row, padding
+// included. Returns 0 if the layout is unknown, if planes overlap without being interleaved, if more than
+// kMostUnusedRows unused rows separate them, or if the extent exceeds kMostBytes.
 inline uint64_t pixelExtent(const AHardwareBuffer_Desc& desc, const AHardwareBuffer_Planes& planes) {
   const auto start = [&](int i) { return uint64_t{reinterpret_cast<uintptr_t>(planes.planes[i].data)}; };
   if (planes.planeCount == 0 || start(0) == 0) return 0;

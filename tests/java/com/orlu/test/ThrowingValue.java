@@ -4,7 +4,10 @@ package com.orlu.test;
 public final class ThrowingValue {
     private final String mWhat;
 
-    /** toString() exhausts the heap ("memory") or the stack ("stack"), else throws an exception. */
+    /**
+     * Makes toString() exhaust the heap if `what` is "memory", exhaust the stack if `what` is "stack", and
+     * otherwise throw an exception.
+     */
     public ThrowingValue(String what) {
         mWhat = what;
     }

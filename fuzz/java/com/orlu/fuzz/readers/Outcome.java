@@ -13,7 +13,7 @@ import java.util.regex.Matcher;
 import java.util.regex.Pattern;
 
 /**
- * The end of a command.
+ * How a command ended.
  *
  * @param status  its exit status; -1 if it threw or hung
  * @param printed its output on both streams
@@ -26,7 +26,8 @@ record Outcome(int status, String printed, String problem) {
             "[\\x00-\\x08\\x0b-\\x1f\\x7f-\\x9f\\u061c\\u200e\\u200f\\u2028-\\u202e\\u2066-\\u2069]");
     private static final Pattern STACK =
             Pattern.compile("(?m)^\\s*at [\\w.$]+\\(|\\b[A-Z]\\w+(?:Exception|Error)\\b");
-    // An empty message or "null" after a place or one of these words, unless the next line continues it.
+    // A line without a message: it ends, or only "null" follows, after a file name, a line number or one of
+    // these words. Excludes a line whose message starts on the next line, indented by five spaces.
     private static final Pattern EMPTY =
             Pattern.compile("(?m)(?:^run|:\\d+|\\w\\.[a-z]\\w*|damaged|read|error|warning|note): ?"
                     + "(?:null)?$(?!\\n {5})");

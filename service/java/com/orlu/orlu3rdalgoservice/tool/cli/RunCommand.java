@@ -154,7 +154,7 @@ final class RunCommand implements Subcommand {
         return new PostMortem(this, exitStatus).run();
     }
 
-    /** Returns this if the options are valid and can be combined; else throws IllegalArgumentException. */
+    /** Throws IllegalArgumentException if options are invalid or can't be combined. Returns this command. */
     RunCommand checked() {
         if (isGiven("--jobs")) {
             needsPositive("--jobs", tried.jobs);
@@ -232,7 +232,7 @@ final class RunCommand implements Subcommand {
         paths.file("--events", written.events).file("--timeline", written.timeline);
     }
 
-    /** Whether to record look-ups of tags. There are so many that recording them slows the request. */
+    /** Returns whether to record look-ups of tags. They are so many that recording slows the request. */
     boolean needsLookups() {
         return written.events != null || needsTrials();
     }

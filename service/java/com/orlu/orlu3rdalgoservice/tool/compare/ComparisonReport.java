@@ -21,7 +21,7 @@ import java.util.stream.Collectors;
 /** Compares two runs and prints the differences, the tags that cause them, and what could not be compared. */
 public final class ComparisonReport {
     private static final int SHOWN = 20;
-    /** If more tags differ, trials include all tags, which keeps the command line short. */
+    /** If more tags than this differ, trials cover all tags: a list would make the command line long. */
     private static final int FEW = 50;
 
     /**
@@ -112,7 +112,7 @@ public final class ComparisonReport {
         return causes(Set.of());
     }
 
-    // A tag may matter in only one of the runs, so trials run for both, unless no tag differs.
+    // A tag may matter in only one of the runs, so both need trials. If no tag differs, one run suffices.
     private Causes causes(Set<String> only) throws IOException {
         List<Dependences> found = new ArrayList<>();
         for (Run run : mGiven.isEmpty() ? List.of(mOne) : List.of(mOne, mOther)) {

@@ -24,10 +24,10 @@ import java.util.Set;
 import java.util.TreeMap;
 
 /**
- * Translates a request with one tag changed at a time, and records which parameters change. Each tag gets a
- * few values in each frame alone, then many values in all frames at once. A value that then changes further
- * parameters is also tried in each frame alone. So a tag in ten frames costs about twice as much as a tag in
- * one frame, not ten times as much.
+ * Translates a request with one tag changed at a time, and records which parameters change. Tries the first
+ * few values of each tag in one frame at a time, then each value in all frames at once. If a value in all
+ * frames changes further parameters, tries this value in one frame at a time, too. So a tag in ten frames
+ * costs about twice as much as a tag in one frame, not ten times as much.
  */
 public final class Trials {
     /** The number of values that are always tried in each frame alone. */
@@ -41,7 +41,7 @@ public final class Trials {
 
     private int mRuns;
 
-    // A tag in one store of a frame, with the values to try.
+    // A tag in the capture result or the composition of one frame, with the values to try.
     private static final class Subject {
         final int frame;
         final boolean inComposition;
@@ -71,8 +71,9 @@ public final class Trials {
     }
 
     /**
-     * Runs the trials of a request over empty images, which have this size if the file gives none. Tries only
-     * the tags in `only`, or all tags if it is empty. See of(file, inputs, outputs, library) for the rest.
+     * Runs the trials of a request over empty images. Images without a size in the file get `size`. Tries
+     * only the tags in `only`, or all tags if `only` is empty. See of(file, inputs, outputs, library) for the
+     * rest.
      */
     public static Dependences of(RequestFile file, FrameSize size, Set<String> only, String library)
             throws ErrnoException, MistakeException {
@@ -190,7 +191,7 @@ public final class Trials {
         if (over != null) {
             List<Object> values = OtherValues.insteadOf(over);
             if (type != null && !type.stored().isInstance(over)) {
-                // A value of a wrong type counts as absent.
+                // The translation treats a value of a wrong type like an absent tag.
                 values.addAll(OtherValues.of(type));
             }
             subjects.add(new Subject(frame, true, tag, asked.captureResult(), values));
@@ -226,7 +227,8 @@ public final class Trials {
         return new Change(subject.frame, subject.inComposition, subject.tag, subject.values.get(index));
     }
 
-    // Once the composition's value is removed, the capture result is read, which reveals the class.
+    // When a trial removes the composition's value, the library reads the tag from the capture result. This
+    // look-up shows the class that the library requests.
     private void learnAskedClass(Subject subject) {
         Asked asked = mRequest.takeAsked(subject.frame).get(subject.tag);
         if (subject.asked.isEmpty() && asked != null && asked.captureResult() != null) {

@@ -10,7 +10,7 @@ import java.util.Collections;
 import java.util.List;
 import java.util.Locale;
 
-/** Finds the known word that a mistyped one probably means. */
+/** Finds the known word that is most similar to a mistyped word. */
 public final class NearestWord {
     /** Shorter prefixes match too many words. */
     private static final int LEAST_BEGINNING = 3;
@@ -41,7 +41,7 @@ public final class NearestWord {
         return nearest == null ? "" : " (did you mean " + nearest + "?)";
     }
 
-    /** Like question(), for a missing request file: suggests the nearest *.json file of its folder. */
+    /** Like question(), for a missing request file: suggests the nearest *.json file in the same folder. */
     public static String questionOnFile(Path file) {
         String ending = ".json";
         List<String> names = new ArrayList<>();
@@ -64,7 +64,8 @@ public final class NearestWord {
                 word.substring(word.lastIndexOf('.') + 1), candidate.substring(section), least - 1));
     }
 
-    // The result is exact only if it is below `least`.
+    // Returns the number of edits; a missing end of `word` counts as one edit. The result is exact only if it
+    // is below `least`.
     private static int distanceOfParts(String word, String candidate, int least) {
         if (word.length() >= LEAST_BEGINNING && candidate.startsWith(word)) {
             return Math.min(1, candidate.length() - word.length());
