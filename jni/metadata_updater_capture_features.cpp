@@ -14,7 +14,7 @@ static_assert(sizeof(BeautyExtraParams) == 80);
 
 }  // namespace
 
-// Appends "panorama" even if the algorithm list has it (Oddity 19).
+// For a panorama, appends "panorama" to the algorithm list, even if the list already has it (Oddity 19).
 void MetadataUpdater::updatePanorama() {
   const auto panorama = mShot.copy<int32_t>("orlu.control.panoramaCapture", kParameter, "panorama_capture");
   // clang-format off
@@ -28,8 +28,8 @@ void MetadataUpdater::clearProcessedAlgoTag() {
   mShot.write<ProcessedAlgo>(kParameter, "processed_algo", {});
 }
 
-// ORs the application's algorithm bits into the block's value. The results return this value to the
-// application, so the bits accumulate from pass to pass (Oddity 39).
+// ORs the application's algorithm bits into one word of the block's "processed_algo". The results return this
+// word to the application, so the bits accumulate from pass to pass (Oddity 39).
 void MetadataUpdater::updateProcessedAlgoTag() {
   const auto fromApplication = mShot.readOr<int64_t>("orlu.parameter.processedAlgo");
   auto processed = mShot.readBack<ProcessedAlgo>(kParameter, "processed_algo");

@@ -1,17 +1,18 @@
-// A shot during the translation of its camera metadata: the tags of its frames, its parameter set, its
-// algorithm list and its images. Translation is written in rows. There are three ways to move a tag:
+// A request while its camera metadata is translated: the tags of its frames, its parameter set, its algorithm
+// list and its images. Each row of the translation moves one tag to a parameter, in one of three ways:
 //
-//   copy   A tag becomes a parameter of the same type; zero if the frame lacks it.
+//   copy   The tag becomes a parameter of the same type. If the frame lacks the tag, the parameter is zero.
 //            shot.copy<int32_t>("orlu.control.bokeh_facula", kControl, "bokeh_facula_capture");
-//   keep   Like copy, through a member that keeps its value if the frame lacks the tag.
+//   keep   Like copy, through a member variable. If the frame lacks the tag, the variable keeps its value,
+//          which becomes the parameter.
 //            shot.keep(mUiZoomRatio, "orlu.control.zoom_ratio", kZoom, "ui_zoom_ratio");
 //   read, change, write   For everything else: readOr(), or read() if the status matters; then write().
 //            const auto gain = shot.readOr<int32_t>("orlu.feedback.analog_gain");
 //            shot.write<float>(kParameter, "analog_gain", static_cast<float>(gain / 1024));
 //
-// Readers are const: a step that takes a const Shot writes nothing. copy(), read() and readOr() accept the
-// frame to read from as an additional first argument; the default is the first frame. A type is named once
-// and selects both the getter and the width.
+// Functions that only read are const: a step that takes a const Shot writes nothing. copy(), read() and
+// readOr() accept the frame to read from as an additional first argument; the default is the first frame. The
+// type named in a call selects the getter of the tag, the width of the parameter, or, in copy(), both.
 #pragma once
 
 #include <memory>
@@ -75,8 +76,8 @@ public:
     write<T>(section, key, member);
   }
 
-  // Writes sizeof(T) bytes. The caller names T; it is never deduced. The status is ignored: translating
-  // parameters never fails a request.
+  // Writes sizeof(T) bytes. The caller names T; it is never deduced. The status is ignored, because a failed
+  // write must not fail the request.
   template <typename T>
   void write(const char* section, const char* key, const std::common_type_t<T>& value) {
     mParameters.set<T>(section, key, value);
@@ -88,8 +89,8 @@ public:
     return mParameters.get<T>(section, key, initial);
   }
 
-  // Returns a frame's exposure control; zero if the frame lacks it. Steps read the first frame's record
-  // repeatedly, and it has 22 boxed numbers, so the first record found is cached.
+  // Returns a frame's exposure control record; zeros if the frame lacks it. The first record that is found is
+  // cached, because steps read the first frame's record repeatedly, and a record has 22 boxed numbers.
   Aec exposureOf(const Frame& frame) const {
     const bool isKept = mHasExposure && frame.captureResult == mExposureFrame.captureResult &&
                         frame.composition == mExposureFrame.composition;
@@ -103,7 +104,8 @@ public:
     return aec;
   }
 
-  // The regions of the first frame and the values that map them; zero if the frame lacks them.
+  // The first frame's regions, and the values needed to map regions to the image. Values that the frame lacks
+  // are zero.
   __tagOrluRect activeArray() const { return mActiveArray.of(*this); }
   float zoomRatio() const { return mZoomRatio.of(*this); }
   int32_t remosaicType() const { return mRemosaicType.of(*this); }

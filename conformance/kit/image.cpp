@@ -15,7 +15,7 @@ bool isYuv(int32_t format) {
   return format == kFormatNv21 || format == kFormatNv12;
 }
 
-// Returns the number of bytes in the longest row of any plane, without padding.
+// Returns the size of the image's longest row in bytes, without padding.
 int32_t rowBytes(const ImageShape& shape) {
   switch (shape.format) {
     case kFormatRaw16:
@@ -32,7 +32,7 @@ int32_t rowBytes(const ImageShape& shape) {
   }
 }
 
-// Returns how many bytes of a plane's row hold pixels.
+// Returns the number of pixel bytes in each row of a plane.
 int32_t pixelBytes(const ImageShape& shape, int plane) {
   return isYuv(shape.format) && plane == 0 ? shape.width : rowBytes(shape);
 }

@@ -20,7 +20,7 @@ namespace orlu::test {
 class RequestScene : public testing::Test {
 protected:
   static constexpr int64_t kReqId = 0x2'0000'0001;
-  static constexpr int32_t kTuningMode = 64;  // result of the algorithms
+  static constexpr int32_t kTuningMode = 64;  // "tunning_mode" in the scripted results
 
   RequestScene() {
     mAlgo.script.runAlgorithms = false;
@@ -55,7 +55,7 @@ protected:
     putKey(mCompositions[0], "isFullAsync", javaInt(isFullAsync));
     return RequestProcessor::processImage(env(), mInst, request, mInputs, mOutputs, javaList(mCompositions));
   }
-  // Runs the second half of a full-async request.
+  // Fetches the results of a full-async request.
   int updateResult(uint64_t nativeReq) {
     putKey(mCompositions[0], "nativeRequestAddr", javaLong(static_cast<int64_t>(nativeReq)));
     return RequestProcessor::processImageUpdateResult(env(), mInst, newRequest(kReqId, "capture"), mInputs,
@@ -86,14 +86,14 @@ protected:
   const jobject mInputs = javaList({newSmallImage()});
   const jobject mOutputs = javaList({newSmallImage(), newSmallImage()});
   int64_t mInst = 0;
-  std::map<std::string, int32_t> mAnswers;  // the library returns these instead of the stored values
-  // Calls of the algorithm library with their main arguments. Operations on values are included only if the
-  // value aborts a request or the block is null.
+  std::map<std::string, int32_t> mAnswers;  // by key; getValue() returns these, not the stored values
+  // Calls to the algorithm library with their main arguments. An operation on a value is included only if its
+  // key begins with "abort_" or its block is null.
   std::string mTrace;
   std::vector<void*> mDestroyed;      // destroyed blocks, in order
-  AlgoProcessRecord mSubmitted = {};  // the last process()
+  AlgoProcessRecord mSubmitted = {};  // argument of the last process()
   std::vector<uint8_t> mAbortKey;     // the last value of "abort_key"
-  std::vector<uint8_t> mRaw;          // the last setRaw()
+  std::vector<uint8_t> mRaw;          // bytes of the last setRaw()
   int mFile = -1;                     // descriptor of the last translateParamFile()
 
 private:

@@ -7,9 +7,9 @@ import java.util.LinkedHashMap;
 import java.util.Map;
 
 /**
- * One frame's metadata: what the camera reported, overlaid with the service's own values. The native side
- * looks up the service's values first, and puts its results among them. The entry points' parameter objects
- * are compositions, too.
+ * One frame's metadata: the camera's capture result, overlaid with the service's own values. The native side
+ * looks up the service's values first, and adds its results to them. The objects that entry points take as
+ * `param` are also compositions.
  */
 public class CaptureResultComposition {
     // Read and stored by the native side.
@@ -28,12 +28,12 @@ public class CaptureResultComposition {
         mSource = source;
     }
 
-    /** Returns the value put under a key; null if there is none. */
+    /** Returns the value that is stored under a key; null if there is none. */
     public Object getMetadata(String key) {
         return mMetadata.get(key);
     }
 
-    /** Puts a value, replacing an earlier one. */
+    /** Stores a value under a key. Replaces the key's earlier value. */
     public void putMetadata(String key, Object value) {
         mMetadata.put(key, value);
     }
@@ -48,7 +48,7 @@ public class CaptureResultComposition {
         return mCaptureResult;
     }
 
-    /** A copy of all keys and values, in the order they were first put. */
+    /** Returns a copy of all keys and values, in the order in which the keys were first stored. */
     public Map<String, Object> snapshot() {
         return new LinkedHashMap<>(mMetadata);
     }

@@ -11,7 +11,10 @@ import java.util.List;
 import java.util.Map;
 import java.util.Set;
 
-/** Compares the parameters of two runs, in the order in which they were passed. */
+/**
+ * Compares the parameters of two runs in the order in which each run passed them. If the order differs,
+ * compares all parameters by name.
+ */
 final class ParameterComparison {
     private final Set<String> mIgnored;
     private final Closeness mCloseness;
@@ -22,7 +25,7 @@ final class ParameterComparison {
         mCloseness = closeness;
     }
 
-    /** Returns all differences. Surplus parameters of one run count only if both runs finished. */
+    /** Returns all differences. Surplus parameters of one run count only if both runs finished (`whole`). */
     List<Difference> differences(Run one, Run other, boolean whole) {
         compareInOrder(wanted(one), wanted(other), whole);
         return mDifferences;
@@ -67,7 +70,7 @@ final class ParameterComparison {
     private void compareValues(
             String where, List<Parameter> ones, List<Parameter> others, Parameter one, Parameter other) {
         if (!Arrays.equals(one.bytes(), other.bytes()) && !mCloseness.isClose(one.json(), other.json())) {
-            // Includes the number of the write if a key is written several times.
+            // If the run wrote this parameter several times, the text names the write: "write 2 of 3".
             int writes = countOf(ones, one.name());
             String write = writes > 1 ? ", write " + indexOf(ones, one) + " of " + writes : "";
             mDifferences.add(new Difference(

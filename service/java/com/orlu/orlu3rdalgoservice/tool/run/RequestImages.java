@@ -17,7 +17,7 @@ import com.orlu.orlu3rdalgoservice.tool.text.MistakeException;
 import java.util.ArrayList;
 import java.util.List;
 
-/** Creates the images and compositions of a request. They are reproducible, also in another process. */
+/** Creates the images and compositions of a request. Every process creates the same ones from a request. */
 public final class RequestImages {
     private RequestImages() {
     }
@@ -67,7 +67,7 @@ public final class RequestImages {
         }
     }
 
-    /** The images as an argument of a call. The list is mutable, because the call may change it. */
+    /** Returns the images' descriptors. The list is mutable, because the call that gets it may change it. */
     static List<VImageIPC> descriptors(List<ImageBuffer> images) {
         return new ArrayList<>(images.stream().map(ImageBuffer::descriptor).toList());
     }

@@ -37,7 +37,7 @@ public final class Results {
     private record Result(String name, Verdict verdict, double seconds, Map<String, Object> json) {
     }
 
-    /** Creates empty results of a subcommand; "run" is ./run itself. */
+    /** Creates an empty list of results. `command` is the subcommand, or "run" for ./run itself. */
     public Results(String command) {
         mCommand = command;
     }
