@@ -15,17 +15,18 @@ here = Path(__file__).parent
 build = Path(sys.argv[1])
 runs_all = sys.argv[2:] == ["--all"]
 emulator = [] if runs_all else sys.argv[2:]
-# Runs of the kit mostly wait for missing or extra callbacks.
+# Number of parallel runs of the kit. May exceed the number of cores: most runs only wait for callbacks that
+# are missing or must not arrive.
 AT_ONCE = 6
 QUICK = ["--json", "--patience", "2", "--limit", "30", "--hostile", "0.3"]
-# Shortens the check `threads`, which takes most of the time, for mutants of other checks. It still
-# detects faults that do not depend on timing.
+# Shortens the check `threads`, which takes most of the time, for mutants of other checks. The shortened
+# check still detects faults that do not depend on timing.
 FEW_ROUNDS = ["--hammer", "0.1"]
 
 
 def judge(library, mutant="", options=()):
-    """Returns the failing checks and, with "?" appended, the checks that only warn. Without a report, returns
-    one text that begins with "no report"."""
+    """Returns the names of the checks that fail or warn; appends "?" to those that only warn. If the kit
+    writes no report, returns one text that begins with "no report"."""
     ran = subprocess.run([*emulator, build / "bin/conform", build / "mutants" / library, *QUICK, *options],
                          env={**os.environ, "ORLU_MUTANT": mutant}, capture_output=True, text=True)
     try:
@@ -59,7 +60,7 @@ wrong = [f"{name} must be in both mutants.txt and *_mutants.cpp"
          for name in planted ^ {row[0] for row in rows}]
 with ThreadPoolExecutor(AT_ONCE) as pool:
     wrong += [text for text in pool.map(compare, rows) if text]
-# Compares with a baseline that was a thousand times faster, and with an invalid one.
+# --perf must fail for a baseline that is a thousand times faster, and reject an invalid baseline.
 measure = [*emulator, build / "bin/conform", build / "mutants/libminimal_algo.so", "--perf", "--only", "copy"]
 measured = subprocess.run([*measure, "--json"], capture_output=True, text=True)
 faster = re.sub(r'"(ms|noise)": (\S+),',

@@ -8,7 +8,7 @@
 
 namespace orlu {
 
-// Converts a float to an integer like the ARM instruction: toward zero, saturating, NaN to 0.
+// Converts a float to an integer as ARM's instruction does: rounds toward zero, saturates, turns NaN into 0.
 inline int32_t toInt(float value) {
   // A double holds the float and the integer's limits exactly.
   const double wide = value;

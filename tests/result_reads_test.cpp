@@ -1,4 +1,5 @@
-// Compares conformance/result_reads.inc with the values that result translation reads, and their sizes.
+// Checks that conformance/result_reads.inc lists exactly the values that result translation reads, and their
+// sizes.
 
 #include <gtest/gtest.h>
 
@@ -14,7 +15,7 @@
 namespace orlu::test {
 namespace {
 
-// Translates the results of these algorithms. Returns a row for each value read.
+// Translates the results of these algorithms. Returns a line of result_reads.inc for each value read.
 std::set<std::string> readsOf(const std::vector<std::string>& algorithms, const char* requestType) {
   Algo algo;
   ResultScene scene;

@@ -1,4 +1,4 @@
-// The processes of a check: the child, which runs it, and the parent, which waits for it.
+// Runs each check in a child process, and waits for the child in the parent process.
 #include <fcntl.h>
 #include <poll.h>
 #include <sys/mman.h>
@@ -96,7 +96,8 @@ Clock::time_point budgetEnd() {
   return budget == 0 ? Clock::time_point::max() : gStarted + std::chrono::seconds(budget);
 }
 
-// Reads messages until the process closes the pipe. Returns "" or the reason for giving up the check.
+// Appends the child's messages to `words` until the child closes the pipe; then returns "". If the child
+// blocks or takes too long, returns the reason for giving up the check.
 std::string listen(const Check& check, int descriptor, std::string& words) {
   const Clock::time_point start_ = Clock::now();
   const Clock::time_point limit = start_ + std::chrono::seconds(options().limitSeconds);

@@ -113,8 +113,8 @@ void Worker::work(Job& job) {
 }
 
 void Worker::finishApart(std::vector<JobPointer> jobs) {
-  // The new thread needs this lock before it ends, so it is still running when detach() is called. If it had
-  // ended, its memory could be unmapped when glibc's detach() reads it.
+  // The new thread needs this lock before it ends, so it is still running when detach() is called. If the
+  // thread had ended, glibc's detach() could read memory of the thread that is already unmapped.
   std::lock_guard lock(mMutex);
   std::thread([this, jobs = std::move(jobs)] {
     for (const JobPointer& job : jobs) finish(job, true);

@@ -32,7 +32,7 @@ TEST(ArithmeticTest, ConvertsFloatsAsTheDeviceDoes) {
   EXPECT_EQ(kMin, extent(kMax, kMin));
 }
 
-// Each element is its index times 1e6, so an element in nanoseconds yields its index in milliseconds.
+// Element i has the value i * 1e6, so an element in nanoseconds is i milliseconds.
 TEST(ExposureTest, ReadsTimesAndRatiosFromTheirElements) {
   Aec aec = {};
   for (size_t i = 0; i < aec.size(); ++i) aec[i] = static_cast<float>(i) * 1e6F;

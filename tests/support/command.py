@@ -28,6 +28,6 @@ def expect(what, wanted, found):
 
 
 def finish(passed="All passed"):
-    """Finishes the test, printing the failures or this line."""
+    """Prints the failures, or `passed` if there are none, and exits with status 1 or 0."""
     print("\n".join(failures) or passed)
     sys.exit(bool(failures))

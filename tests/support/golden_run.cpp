@@ -77,7 +77,7 @@ std::string tagTypeOf(const std::string& type) {
   return name;
 }
 
-// Setting an unknown tag or a wrong type in a capture result throws; compositions accept any value.
+// Sets a tag in a capture result. Throws for an unknown tag or a wrong type; putTag() accepts any value.
 void setKnownTag(jobject metadata, const char* tag, const GoldenTag& value) {
   try {
     setTag(metadata, tag, javaValue(value));
@@ -146,8 +146,8 @@ std::vector<GoldenWrite> writesOf(const std::vector<RecordedCall>& calls) {
   return writes;
 }
 
-// Returns "output 0 unchanged", or the output's sizes as in a golden text, followed by the whole record if
-// anything else changed.
+// Returns "output 0 unchanged", or the output's sizes in the form of a golden text. If other fields of the
+// record changed too, appends the whole record and the expected record.
 std::string describeOutput(size_t index, AlgoFrameInfo expected, const AlgoFrameInfo& after) {
   std::ostringstream out;
   out << "output " << index << ' ';
@@ -211,12 +211,13 @@ void compareWrites(std::vector<GoldenLine>& failures, const std::vector<GoldenWr
   }
 }
 
-// The result of a variation, compared line by line.
+// The result of a variation, for comparison with each of its expectations.
 class Outcome {
 public:
   Outcome(const GoldenRun& run, const LogCapture& log) : mRun(run), mLines(log.lines()) {}
 
-  // Returns the expectation if it is met, else the actual result. Of outputs and puts, sees only the first.
+  // Returns the expectation if it is met, else the actual result. Checks only the first put, and
+  // only the first changed output (the first output if none changed).
   std::string found(const std::string& expectation) const {
     std::istringstream in(expectation);
     std::string word;

@@ -1,5 +1,5 @@
-// The maximum lengths of names and values are not compared: they belong to the C library, and this machine's
-// C library is not the platform's.
+// Does not compare the maximum lengths of property names and values. The C library sets these lengths, and
+// this machine's C library is not the platform's.
 #include <cutils/properties.h>
 
 #undef PROPERTY_KEY_MAX

@@ -48,7 +48,7 @@ public final class Explanations {
         return mHandover;
     }
 
-    /** Returns the parameters that the request wrote, in order, and the algorithm list. */
+    /** Returns the names of the parameters that the request wrote, in order, and Dependences.ALGORITHMS. */
     public Set<String> names() {
         return mNames;
     }
@@ -96,7 +96,7 @@ public final class Explanations {
         return rows;
     }
 
-    /** Returns the tags that affect most parameters, listed once instead of with each parameter. */
+    /** Returns the tags that affect most parameters. Reports list them once, not with each parameter. */
     public TagRows generalTags() {
         TagRows rows = new TagRows();
         mDependences.all().stream().filter(this::isGeneral)
@@ -113,7 +113,7 @@ public final class Explanations {
         return tag.parameters().size() > mNames.size() / 2;
     }
 
-    /** Returns why some or all tags are unknown; "" if all are known. */
+    /** Returns why the tags of parameters are unknown or incomplete; "" if they are complete. */
     public String problem() {
         return mDependences.problem();
     }

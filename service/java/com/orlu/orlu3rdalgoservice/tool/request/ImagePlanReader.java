@@ -74,7 +74,7 @@ final class ImagePlanReader {
         Json members = field.allowing("format", "name", "memory", "stride", "bits", "file", "width",
                 "height", "offset", "planes", last);
         if (!members.has("file")) {
-            // If one of these is present, the description lacks a file, not a photo.
+            // A description with one of these fields needs a file, so it does not ask for a photo.
             List<String> ofFiles = List.of("width", "height", "offset", "planes");
             mNeedsPhoto |= mFrames != 0 && ofFiles.stream().noneMatch(members::has);
             for (String member : ofFiles) {
@@ -96,7 +96,7 @@ final class ImagePlanReader {
         return images;
     }
 
-    // `file` is null for an image without one.
+    // Reads no image file if `file` is null.
     private ImagePlan image(Json field, Json members, Json file, int frame) throws MistakeException {
         PixelFormat format = mMistakes.attempt(() -> format(members), null);
         // Continues after a mistake, to note further mistakes.
@@ -132,7 +132,7 @@ final class ImagePlanReader {
         return members.integer("bits", 8, most, source == null ? USUAL_BITS : Math.min(source.bits(), most));
     }
 
-    /** Reads an even number of pixels; 0 if the member is absent. */
+    /** Returns a width or height in pixels; 0 if the member is absent. Reports an odd number as a mistake. */
     static int side(Json members, String name) {
         int side = members.integer(name, 0, Limits.SIDE, 0);
         if (side % 2 != 0) {

@@ -22,12 +22,12 @@ public final class ParameterTypes {
     private ParameterTypes() {
     }
 
-    /** The type of a parameter; UNKNOWN for a parameter without a row. */
+    /** Returns the type of a parameter; UNKNOWN if parameters.txt does not list the parameter. */
     public static ParameterType of(String section, String key) {
         return TYPES.getOrDefault(section + " " + key, ParameterType.UNKNOWN);
     }
 
-    /** The size of a parameter, in bytes; -1 if it has no row or its size depends on the request. */
+    /** Returns the size of a parameter, in bytes; -1 if it is unlisted or depends on the request. */
     public static int bytes(String section, String key) {
         return BYTES.getOrDefault(section + " " + key, -1);
     }
