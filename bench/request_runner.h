@@ -53,7 +53,7 @@ public:
     mFirst.replay(test::env(), mHandedOver, mFirst.size());
     mReturned = Clock::now();
   }
-  // Returns the time at which the last call into the library, or the last replay with `handOver`, ended.
+  // Returns the time at which the last run of the library, or the last replay with `handOver`, ended.
   Clock::time_point returned() const { return mReturned; }
 
   HeapUse heap();

@@ -1,5 +1,5 @@
-# Generates C++ rows with the service's names of parameters and algorithms, for programs that need all of
-# them. CMake runs again if a source of these tables changes.
+# Generates C++ initialisers with the service's names of parameters and algorithms, for programs that need all
+# of them. CMake runs again if parameters.txt or a source of jni/ changes.
 set(ORLU_PARAMETER_TABLE
   ${PROJECT_SOURCE_DIR}/service/java/com/orlu/orlu3rdalgoservice/tool/tags/parameters.txt)
 

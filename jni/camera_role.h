@@ -29,7 +29,7 @@ int32_t vafCameraRole(std::string_view type, int32_t satRole, int32_t facing);
 
 // For a session id from "com.orlu.MultiCameraBokehSelectSessionId", bokehCameraType() returns the camera type
 // (ids 3, 4 and 5), and bokehCameraComposition() the names of the combined cameras (ids 3 and 4). For other
-// ids, they return "", and the caller reads the shot's own tag instead.
+// ids, they return "", and the caller reads the camera's tags instead.
 std::string_view bokehCameraType(int32_t session);
 std::string_view bokehCameraComposition(int32_t session);
 

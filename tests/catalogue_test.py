@@ -63,8 +63,8 @@ def check_cases():
 
 
 def check_lists():
-    """Checks that the lists and the JSON have the same entries, and that lines fit a terminal. Returns each
-    part's JSON."""
+    """Checks that the lists and the JSON have the same entries, and that lines fit a terminal. Returns the JSON
+    of each part of the catalogue, by name."""
     parts = {}
     for part in PARTS:
         listed, parts[part] = run(part).stdout.splitlines(), json.loads(run(part, "--json").stdout)

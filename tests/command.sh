@@ -1,6 +1,6 @@
 # shellcheck shell=bash
 # Setup and checks for the tests of ./run. A test, which gets the build folder as its argument, sets root and
-# then sources this file. Changes to a temporary folder, which is deleted at exit.
+# then sources this file, which makes a temporary folder the current one, and deletes it at exit.
 export ORLU_BUILD=$1
 unset ANDROID_LOG_TAGS ORLU_ALGO_TRACE ORLU_EVENTS ORLU_PIXELS ORLU_PLANTED ORLU_ALGO_LIBRARY
 # shellcheck disable=SC2034  # used by the tests that source this file

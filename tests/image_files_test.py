@@ -18,7 +18,7 @@ from image_files import dng, png, read_pgm, read_png, tiff  # noqa: E402
 
 WIDTH, HEIGHT = 16, 12
 SAMPLES = [[(61 * x + 130 * y) % 1024 for x in range(WIDTH)] for y in range(HEIGHT)]
-# Samples of the images in DNG files, which must be larger than the images in the other files.
+# Samples of the DNG files. Their images are larger than the others: the reader rejects sides below 22.
 SENSOR = [[(61 * x + 130 * y) % 1024 for x in range(32)] for y in range(24)]
 GRAY = [[(5 * x + 11 * y) % 256 for x in range(WIDTH)] for y in range(HEIGHT)]
 REFUSED = "run: 1 error and 0 warnings in 1 of 1 file; nothing runs"

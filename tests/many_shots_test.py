@@ -167,7 +167,7 @@ def check_burst(folder):
            shots["latency"]["whole"]["median"] > 30))
     status, shots = burst("async.json", ORLU_PLANTED="twice", **PLANTED)
     expect("a second callback", (1, True),
-           (status, "one callback and one announcement, found 2 and " in shots["verdict"]["reasons"][0]))
+           (status, "one callback and one report to Java, found 2 and " in shots["verdict"]["reasons"][0]))
     status, shots = burst("async.json", ORLU_PLANTED="crossed", **PLANTED)
     expect("foreign results", (1, 1, "request 103 got the results of request 102"),
            (status, shots["ownResults"], shots["verdict"]["reasons"][0]))

@@ -70,7 +70,7 @@ struct GuardedTable {
 };
 
 // Fails the check and returns false if the entry wrote outside the table, or if the table has another layout
-// than AlgoInterfaceCallbacks. Does not call or destroy the callables.
+// than AlgoInterfaceCallbacks (known only with libstdc++). Does not call or destroy the callables.
 bool looksWhole(const GuardedTable& guarded) {
   bool whole = true;
   const auto hold = [&whole](bool condition, const std::string& evidence) {

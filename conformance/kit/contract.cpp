@@ -12,7 +12,7 @@ constexpr char kText[] =
   RTLD_NOW, and never closes it. It calls the entry once for the process and once more for each
   client, each time with a zeroed table, possibly on two threads at once. It never calls reserved
   callables.
-- **Threads.** Every callable is called on Java threads, which are attached to the Java VM, and,
+- **Threads.** Every callable is called on a Java thread, which is attached to the Java VM, or,
   inside a callback, on the callback's thread. Calls for different clients may run at the same
   time. Calls for one client run one at a time, except those that Java makes inside a callback.
 - **A client.** createClient requests version {version}. init follows with type 0 if Java asks for
@@ -44,7 +44,7 @@ constexpr char kText[] =
 - **Waiting.** A synchronous request waits up to 10 seconds for its callback, from the return of
   process, and then reads the results as they are. Nothing is aborted. A full-async request has no
   timeout.
-- **Callbacks.** A callback before process has returned is not lost. A second callback for a
+- **Callbacks.** A callback that arrives before process returns is not lost. A second callback for a
   full-async request calls Java again. These callbacks have no effect: one after the wait, a second
   one for a synchronous request, one for an unknown request, one with an unknown name, one of fewer
   than 21 bytes, one whose name is longer than its data, and a light-stream event with a payload

@@ -1,5 +1,5 @@
-// Mutants of outputs, values, clients and threads, modelled on mistakes of real libraries. The headings of
-// the groups are names of checks; mutants.txt lists the checks that each mutant fails.
+// Mutants with faults in outputs, values, clients or threads, modelled on mistakes of real libraries. The
+// headings of the groups are names of checks; mutants.txt lists the checks that each mutant fails.
 #include <fcntl.h>
 #include <unistd.h>
 

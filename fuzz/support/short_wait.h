@@ -3,9 +3,10 @@
 
 namespace orlu::fuzz {
 
-// While a ShortWait exists, its thread's timed waits on condition variables take a thousandth of their time.
-// After a timeout, the thread's steady clock has still advanced by the full time. The linker option --wrap
-// replaces the functions that wait and that read the clock, in the library and in the program.
+// While a ShortWait exists, its thread's timed waits on condition variables (steady clock) take a thousandth
+// of their time. After a timeout, the thread's steady clock has still advanced by the full time. The linker
+// option
+// --wrap replaces the functions that wait and that read the clock, in the library and in the program.
 class ShortWait {
 public:
   ShortWait();

@@ -14,7 +14,7 @@ namespace {
 
 constexpr uint64_t kUnexpectedShown = 10;
 
-// An error line that the plans cause.
+// An error line that the plans of the requests (soak_plan.h) cause.
 struct Expected {
   const char* part;
   const char* name;
@@ -23,7 +23,7 @@ struct Expected {
 Expected gExpected[] = {
     {" time out",                          "waits that timed out"                           },
     {"callbackFromNative threw",           "announcements that threw"                       },
-    {"createHashMap failed",               "announcements without memory"                   },
+    {"createHashMap failed",               "announcements that failed for lack of memory"   },
     {" threw",                             "C++ exceptions caught"                          },
     {"left a Java exception",              "Java exceptions cleared"                        },
     {"callback for a client that is gone", "callbacks for a client that was gone"           },

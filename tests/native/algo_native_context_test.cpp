@@ -29,7 +29,8 @@ std::string cookieText(uint64_t cookie) {
   return cookie == callbackCookie() ? "of gCallback" : std::to_string(cookie);
 }
 
-// Records calls to the algorithm library, one line each. Handles appear as h1, h2, ... in order of first use.
+// Records calls to the algorithm library. Each begins a line; its details are indented. Handles appear as h1,
+// h2, ... in order of first use.
 class Library {
 public:
   explicit Library(const std::set<std::string>& notOffered = {}) {
@@ -233,7 +234,8 @@ TEST(AlgoNativeContextTest, LeavesADestroyedClientAlone) {
     algo.script.observer = [&](const probe::WatchedCall& call) {
       if (call.operation == inside) std::thread([&context] { context->destroyClient(); }).join();
       // Counts calls with a destroyed client, including the call during which it is destroyed.
-      for (const char* name : {"init", "uninit", "flush", "command", "process", "getData"}) {
+      for (const char* name :
+           {"init", "uninit", "flush", "command", "process", "getData", "translateParamFile"}) {
         if (call.operation == name && context->isClientDestroyed()) ++later;
       }
     };

@@ -22,8 +22,8 @@ import java.util.stream.Stream;
 /**
  * Runs the command in this VM on mutants of examples. Arguments: SEEDS WORK SECONDS SEED [FORM...]. A form is
  * a kind of input, such as a recording. The files of an example are in SEEDS/form/example. Mutant i depends
- * only on SEED + i and the form's examples. The files of the first finding of each kind are stored in
- * WORK/findings.
+ * only on SEED + i, the form's examples and WORK. The files of the first mutant with each problem are stored
+ * in WORK/findings.
  */
 public final class ReaderFuzzer {
     private static final int SHOWN = 1500;

@@ -42,7 +42,7 @@ public final class HeldValue {
         return TYPE_NAMES.get(stored);
     }
 
-    /** Returns a value in the form of request files; if its class has no such form, its toString(). */
+    /** Returns a value in the form of request files; for classes without a form, a list or toString(). */
     public static Object json(Object value) {
         if (value instanceof byte[] bytes) {
             return hexadecimal(bytes);

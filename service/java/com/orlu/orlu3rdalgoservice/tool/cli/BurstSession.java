@@ -152,8 +152,8 @@ final class BurstSession {
         }
     }
 
-    // A callback's event contains only the native id. The begin event of process contains the native id
-    // and the request's id.
+    // Of the two ids, a callback's event contains only the native one. The begin event of process contains
+    // both.
     private void checkCallbacks(RequestFile request, Burst burst, RecordedEvents events) {
         Map<Long, Long> current = new HashMap<>();
         Map<Long, Integer> counts = new LinkedHashMap<>();
@@ -171,7 +171,7 @@ final class BurstSession {
             int times = request.fullAsync() ? burst.announcements(count.getKey()) : count.getValue();
             if (times != 1 || count.getValue() != 1) {
                 mReasons.add(("request %d: expected one callback" + (request.fullAsync()
-                        ? " and one announcement, found %d and %d" : ", found %d"))
+                        ? " and one report to Java, found %d and %d" : ", found %d"))
                         .formatted(count.getKey(), count.getValue(), times));
             } else {
                 ++right;

@@ -6,12 +6,12 @@ import java.util.Iterator;
 import java.util.List;
 import java.util.stream.Stream;
 
-/** Values offered by bash completion, read from the catalogue when the completion script is printed. */
+/** Values offered by bash completion, mostly read from the catalogue when the completion script is printed. */
 final class Candidates {
     private Candidates() {
     }
 
-    /** Returns the names in a part of the catalogue; of section/key, only the key. */
+    /** Returns the names in a part of the catalogue; for a name of the form section/key, only the key. */
     static List<String> of(String part) {
         return Catalogue.entries(part).stream().map(entry -> Catalogue.name(entry).replaceFirst(".*/", ""))
                 .toList();

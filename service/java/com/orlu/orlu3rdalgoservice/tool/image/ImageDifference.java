@@ -103,7 +103,7 @@ public final class ImageDifference {
 
     /**
      * Returns the pixels of an image; null if they can't be read with this description. A raw image is a
-     * Mosaic. Its bit depth is unknown, so it gets the smallest depth that fits all samples, at least 8.
+     * Mosaic with the smallest bit depth that fits all samples, at least 8.
      */
     public static PixelRows pixels(String formatName, int width, int height, int stride, byte[] bytes) {
         PixelFormat format = PixelFormat.named(formatName);
@@ -139,7 +139,7 @@ public final class ImageDifference {
         return isSame ? new ImageDifference(one, other, null) : null;
     }
 
-    /** Index of the first row with different pixels; -1 if all pixels are equal. Ignores other bytes. */
+    /** Index of the first row with different pixels; -1 if all pixels are equal. Ignores padding. */
     public int firstRow() {
         return mFirstRow;
     }

@@ -21,8 +21,8 @@ import java.util.List;
  */
 public record NoiseMeasure(int output, String what, double before, double after, double ssim) {
     /**
-     * Compares the outputs with the base frame's part of the photo. Omits outputs that can't be read or whose
-     * size differs from this part's. If no frame has noise, compares only if `hasSsim`.
+     * Compares the outputs with the crop of the photo from which the base frame was made. Omits outputs that
+     * can't be read or differ in size from this crop. If no frame has noise, compares only if `hasSsim`.
      */
     public static List<NoiseMeasure> of(RequestFile request, int base, List<SynthesisedFrame> frames,
             List<OutputReader> outputs, boolean hasSsim) {

@@ -16,7 +16,7 @@ import java.util.concurrent.atomic.AtomicInteger;
 
 /** Runs tasks in parallel, and passes their results to a callback in the order of the tasks. */
 public final class SideBySide {
-    /** Limit on the wait for running tasks; a request alone may wait for its callback for ten seconds. */
+    /** Limit on the wait for running tasks. It exceeds the ten seconds that a request may wait. */
     private static final long LONGEST_TASK_SECONDS = 30;
 
     /** Receives a result. */
@@ -29,7 +29,7 @@ public final class SideBySide {
 
     /**
      * Runs the tasks of `work` on `jobs` threads, and passes the results to `taker` on this thread. `what`
-     * names the work in the progress display. Throws the first exception of a task or of `taker`. Before it
+     * names the work in the progress display. Throws the exception of the first task that fails, or of `taker`. Before it
      * throws, waits for the running tasks for at most LONGEST_TASK_SECONDS, because they may use objects that
      * the caller closes.
      */

@@ -108,7 +108,7 @@ function showFacts() {
       !handedOn
         ? data.findings.some(finding => /^(crash|unusable)$/.test(finding.kind))
           ? "nothing"
-          : "nothing: no algorithm pass"
+          : "nothing: the request needs no algorithms"
         : handedOn.length === 0
           ? list(handedOn)
           : handedOn.map(name => name + (asked.includes(name) ? "" : " (appended)")).join(", "),
