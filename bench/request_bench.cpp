@@ -1,5 +1,5 @@
-// Times four shots, each with and without tags, as a synchronous and as a full-async request. Also times the
-// JNI calls of each request alone.
+// Times four shots, each with and without tags, as a synchronous and as a full-async request. For
+// each request, also times only its JNI calls, without the library's own work.
 
 #include "benches.h"
 #include "counts.h"

@@ -12,7 +12,7 @@
 namespace orlu::bench {
 
 struct ShotPlan {
-  std::string sample;  // the request file, in samples/, with the tags
+  std::string sample;  // the request file in samples/ that supplies the tags
   int frames = 1;      // number of frames; the sample's frames repeat if it has fewer
   int inputsPerFrame = 1;
   std::vector<std::string> algorithms;

@@ -23,7 +23,7 @@ enum SATCameraRoleType : int32_t {
 // reads this map: the camera reports its role in "orlu.parameter.masterSatRole".
 const std::map<float, SATCameraRoleType>& satCameraRoles();
 
-// Returns "vaf_camera_role": 0 for a main camera, one bit for any other camera, plus 1 for a front camera.
+// Returns "vaf_camera_role": 0 for a main camera, one bit for any other. A front camera adds 1 to either.
 // `type` is the camera's name. A known name followed by more characters counts as unknown.
 int32_t vafCameraRole(std::string_view type, int32_t satRole, int32_t facing);
 

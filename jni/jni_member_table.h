@@ -27,7 +27,7 @@ struct JniMember {
   jclass Owner::*clazz;      // in a class row: the slot for the class
   jmethodID Owner::*method;  // in a method row: the slot for the method
   jfieldID Owner::*field;    // in a field row: the slot for the field
-  const char* label;         // the name to log as null if the row is missing
+  const char* label;         // NAME of the log line "NAME is null", if the row is missing
   unsigned flags;
   jclass Owner::*examined;  // in a class row: the class counts as found if this slot is not null
 

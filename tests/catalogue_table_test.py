@@ -52,8 +52,8 @@ def formats():
 
 
 def check_once(file, kinds):
-    """Checks that every row's kind is in `kinds`, which maps each kind to the number of rows that each name
-    must have; 0 means any number."""
+    """Checks that every row's kind is in `kinds`, and that each name has as many rows of a kind as `kinds`
+    says (0: any number)."""
     said = {}
     for number, (name, kind, _) in rows(file, 3):
         said.setdefault(name, []).append(kind)

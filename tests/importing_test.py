@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
-"""Tests ./run import with a dump, the JSON file of an image test, and EXIF blocks. The files are complete,
-truncated or damaged.
+"""Tests ./run import with three kinds of files: dumps, JSON files of image tests, and photos with EXIF
+blocks. The files are complete, truncated or damaged.
 
 importing_test.py BUILD_FOLDER
 """
@@ -118,7 +118,7 @@ def reads_suite():
         "captureResults[2]: dropped; not an object of tags",
         "outputs[2]: dropped; expected width, height and a format of [dng, jpeg, jpg, raw, raw10, yuv]",
         "captureRequest: ignored; not a result or an output",
-        "odd.raw: note: dropped; no output in a JSON file has 383 bytes"],
+        "odd.raw: note: dropped; no JSON file describes an output of 383 bytes"],
         [line.split("suite.json: note: ")[-1] for line in lines[:-1]])
     expect("suite runs", 0, run("--out", "out", "made/shot.json").returncode)
 

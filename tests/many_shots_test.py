@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests runs of folders, sweeps, bursts and comparisons, and their machine-readable output.
+"""Tests sweeps, bursts, comparisons, runs of whole folders, and the machine-readable output of each.
 
 many_shots_test.py BUILD_FOLDER
 """

@@ -25,7 +25,7 @@ constexpr Need kNeeds[] = {
     {"process",         "no request is processed: synchronous ones take 10 seconds and have default results"},
     {"uninit",          "clients are never uninitialised"                                                   },
     {"flush",           "a client is destroyed with requests in flight"                                     },
-    {"command",         "requests can't be aborted, and the process can't announce its end"                 },
+    {"command",         "requests can't be aborted, and the service can't announce its end"                 },
     {"createMetadata",  "there are no parameters and no results"                                            },
     {"destroyMetadata", "every request leaks its blocks"                                                    },
     {"getSize",         "no request is submitted"                                                           },
@@ -138,7 +138,7 @@ void tryRecords(Scene& scene) {
   step("a process record at the end of a page");
   callBare("process", table.process, *process);
   HOLDS(process.isUntouched()) << "process writes before its record";
-  // A wrong id, such as the reqId, reveals which bytes the library read instead.
+  // If the callback names another id, this shows which bytes of the record the library read by mistake.
   if (!scene.inbox.waitFor(request.nativeReq)) {
     for (const Message& message : scene.inbox.messages()) {
       ADD_FAILURE() << "the callback names request " << hex(message.nativeReq())

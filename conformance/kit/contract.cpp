@@ -23,7 +23,7 @@ constexpr char kText[] =
   handle is not used afterwards.
 - **A parameter block** is created before its request is submitted, and lives until the results
   are read: for a synchronous request, after its callback or after the wait; for a full-async one,
-  when Java asks for them. If the request was never announced to Java, the block is destroyed with
+  when Java asks for them. If Java was never told to fetch the results, the block is destroyed with
   its client. A callback during the block's life finds all values that were set.
 - **A camera block** lives from before process until process returns. No block is used after
   destroyMetadata, which is called once for each.
@@ -52,15 +52,16 @@ constexpr char kText[] =
 - **Results of calls** are ignored, except the handles of createClient and createMetadata, and the
   size of getSize. A null client is passed on like any other; no block operation gets a null
   block.
-- **A missing callable** is skipped. This is logged, except for block operations other than
-  createMetadata and destroyMetadata. Without getSize, process is skipped, too. An exception from a
+- **A missing callable** is skipped and logged. Of the block operations, only createMetadata and
+  destroyMetadata are logged. Without getSize, process is skipped, too. An exception from a
   callable is caught at the call, logged, and counts as a failure; a Java exception left on the
   thread is cleared and logged. No call is retried.
 - **Visitors** may be called any number of times during the call that they were passed to, on its
   thread, and may use block operations. They throw nothing. On other threads or later, they return
   -1.
-- **getData** must leave its answer in the block of its record under `{section}`,
-  `{key}`; the service reads {answer} bytes of it, up to the first zero byte.
+- **getData** must set its answer in the block that its record names, under the section
+  `{section}` and the key `{key}`. The service asks for {answer} bytes, and uses
+  those before the first zero byte.
 - **The library promises** in return, besides the lifetimes above:
   - **Pixels.** If input and output have the same format, width and height, every pixel of every
     plane of every output is written, at the output's own strides, including the last chroma column

@@ -163,10 +163,11 @@ std::vector<std::string> DescriptorWatch::takeLeft() {
   std::vector<std::string> left;
   for (const auto& [fd, made] : std::exchange(seen().duplicates, {})) {
     // fclose() and closedir() close their descriptors without calling the watched close().
-    if (plainFcntl(fd, F_GETFD, nullptr) >= 0) left.push_back(std::to_string(fd) + " of " + made);
+    if (plainFcntl(fd, F_GETFD, nullptr) >= 0)
+      left.push_back("descriptor " + std::to_string(fd) + ", made by " + made);
   }
   for (const auto& [begin, mapping] : std::exchange(seen().mappings, {})) {
-    left.push_back(std::to_string(mapping.size) + " bytes of " + mapping.made);
+    left.push_back("a mapping of " + std::to_string(mapping.size) + " bytes, made by " + mapping.made);
   }
   return left;
 }

@@ -47,8 +47,8 @@ public:
 
   // Calls the library's entry.
   void fill(AlgoInterfaceCallbacks* table) const;
-  // The process's own table, filled on first use. observer() records the exceptions of its callables, but
-  // does not catch them; call() does.
+  // This process's own table, filled on first use. observer() records the exceptions of the table's
+  // callables, but does not catch them; call() catches them.
   const AlgoInterfaceCallbacks& table();
   // The same table without the observer, for calls that must reach the library directly.
   const AlgoInterfaceCallbacks& bareTable();

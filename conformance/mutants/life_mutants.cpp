@@ -142,8 +142,8 @@ void keepClientMemory(Table& table) {
     return create(record);
   };
 }
-// Duplicated output descriptors: of the requests in flight, and of the requests that were in flight when
-// their client was flushed.
+// Duplicates of output descriptors. `outputs` has those of the requests in flight. When a client is flushed,
+// `flushed` gets those of its requests.
 struct Unfinished {
   std::mutex mutex;
   std::map<void*, std::pair<void*, int>> outputs;  // by block: client and descriptor

@@ -1,4 +1,4 @@
-// Mutants of tables, clients, exceptions, records and queries, grouped by the check that detects them.
+// Mutants with faults in tables, clients, exceptions, records or queries, grouped by the check for the fault.
 #include <unistd.h>
 
 #include <algorithm>

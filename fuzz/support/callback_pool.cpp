@@ -10,8 +10,8 @@
 namespace orlu::fuzz {
 namespace {
 
-// Once the pool holds a callback, take() waits up to kPatience until the pool holds kEnough callbacks, so
-// that their order can change.
+// Once the pool holds a callback, take() waits at most kPatience for the pool to reach kEnough callbacks.
+// This gives it several to reorder.
 constexpr size_t kEnough = 3;
 constexpr std::chrono::microseconds kPatience{500};
 

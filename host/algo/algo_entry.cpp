@@ -16,7 +16,7 @@
 namespace orlu::standin {
 namespace {
 
-// Fills in callables that call the stand-in's members. Clears callables that the script's notOffered lists.
+// Fills in callables that call the stand-in's members. Clears those named in the script's `notOffered`.
 class TableFiller {
 public:
   explicit TableFiller(const AlgoScript& script) : mScript(script) {}

@@ -30,7 +30,7 @@ TEST(PixelExtent, CoversAllRowsOfAllPlanes) {
       {"RAW12, stride in bytes",    0x26,        10,    80,  {1, {at(0, 0, 0)}},                                       800 },
       {"NV21",                      kYuv,        10,    64,  {3, {at(0, 1, 64), at(641, 2, 64), at(640, 2, 64)}},      960 },
       {"NV12",                      kYuv,        10,    64,  {3, {at(0, 1, 64), at(640, 2, 64), at(641, 2, 64)}},      960 },
-      {"NV21 by its own format",    0x11,        10,    64,  {3, {at(0, 1, 64), at(641, 2, 64), at(640, 2, 64)}},      960 },
+      {"NV21, own format code",     0x11,        10,    64,  {3, {at(0, 1, 64), at(641, 2, 64), at(640, 2, 64)}},      960 },
       {"NV12, odd height",          kYuv,        11,    64,  {3, {at(0, 1, 64), at(704, 2, 64), at(705, 2, 64)}},      1088},
       {"NV12, luma has spare rows",
        kYuv,                                     10,

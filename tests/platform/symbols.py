@@ -6,7 +6,7 @@ symbols.py --nm NM --headers FOLDER... --bionic FILE... --runtime LIBRARY... --o
 OBJECT  code for a phone, compiled but not linked
 FOLDER  headers of the platform; all functions that they declare are assumed to be defined
 --bionic   functions of Android's C library, as declared by the Rust package libc
---runtime  C++ libraries that the phone has too: Debian's libc++ and libc++abi
+--runtime  C++ libraries: Debian's libc++ and libc++abi, in place of the phone's
 --others   file that lists additional symbols, and where each is defined
 """
 
@@ -16,8 +16,8 @@ import re
 import subprocess
 import sys
 
-# Symbols that no library of the platform needs to define: the compiler's helpers, and GoogleTest, which is
-# part of the kit.
+# Symbols that no library of the platform needs to define: the compiler's helpers, and GoogleTest's,
+# which the conformance kit contains.
 BROUGHT_ALONG = re.compile(r"__aeabi_|__emutls_|_Unwind_|_GLOBAL_OFFSET_TABLE_$|_Z\w*7testing")
 
 

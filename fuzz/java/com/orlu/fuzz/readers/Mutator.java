@@ -12,7 +12,7 @@ import java.util.Random;
 import java.util.stream.Stream;
 import java.util.zip.CRC32;
 
-/** Mutates the files of a valid example: JSON structures, parts of image files, lines of text or any bytes. */
+/** Mutates the files of an example: JSON structures, parts of image files, lines of text or any bytes. */
 final class Mutator {
     private final Random mChance;
     private final JsonMutator mJson;

@@ -107,7 +107,7 @@ public final class ReaderFuzzer {
             }
         }
         if (number >= 0) {
-            // The mutator may insert names of files inside and outside the folder, and of an endless file.
+            // The mutator may insert the name of a file inside or outside the folder, or of an endless file.
             Random chance = new Random(~(mSeed + number));
             new Mutator(chance, List.of("\"link\"", "\"../../canary\"", "\"/dev/zero\"", "\"..\"",
                     "\"" + mCanary.file() + "\"", "\"request.json\"", "\"input0.bin\"")).mutate(in);

@@ -6,7 +6,7 @@ import java.util.Iterator;
 import java.util.List;
 import java.util.stream.Stream;
 
-/** Values offered by bash completion, mostly read from the catalogue when the completion script is printed. */
+/** Values for bash completion, mostly read from the catalogue when the completion script is printed. */
 final class Candidates {
     private Candidates() {
     }

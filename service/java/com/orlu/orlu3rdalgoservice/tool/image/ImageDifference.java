@@ -84,8 +84,8 @@ public final class ImageDifference {
     }
 
     /**
-     * Compares two images with the same description. Returns null if an image can't be read with this
-     * description, or if the sizes differ. `stride` is in bytes. For a JPEG, each array must end where the
+     * Compares two images of this format, size and stride. Returns null if an image can't be read so, or if
+     * two JPEG files have different sizes. `stride` is in bytes. For a JPEG, each array must end where the
      * JPEG file ends.
      */
     public static ImageDifference of(

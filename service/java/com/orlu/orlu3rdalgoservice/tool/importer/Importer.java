@@ -154,7 +154,7 @@ public final class Importer {
         if (expected != null) {
             mPictures.add(new ImportedPicture(file, expected.output().format(), expected.output()));
         } else {
-            mNotes.add("", "dropped; no output in a JSON file has " + size + " bytes");
+            mNotes.add("", "dropped; no JSON file describes an output of " + size + " bytes");
         }
     }
 

@@ -28,8 +28,8 @@ final class JpegBlocks {
 
     /**
      * Returns a copy of the same size in which these bytes are 0: contents of EXIF and other application
-     * blocks, thumbnails, comments, stray bytes between blocks, and bytes after the picture. Keeps markers and
-     * what decoders need for colours. Returns the array itself if nothing changes or it is not a JPEG.
+     * blocks, thumbnails, comments, stray bytes between blocks, and bytes after the picture. Keeps markers
+     * and what decoders need for colours. Returns the array itself if nothing changes or it is not a JPEG.
      */
     static byte[] blank(byte[] bytes) {
         if (bytes.length < 3 || at(bytes, 0) != MARKER || at(bytes, 1) != START_OF_IMAGE
@@ -62,7 +62,7 @@ final class JpegBlocks {
         Arrays.fill(mPlain, Math.min(from, mPlain.length), mPlain.length, (byte) 0);
     }
 
-    // A block consists of a marker, a length and contents. The two-byte length counts itself and the contents.
+    // A block is a marker, a two-byte length and contents. The length counts itself and the contents.
     // Returns the offset after the block; for a start of scan, the offset after its scan.
     private int afterBlock(int from, int marker) {
         int length = from + 4 > mBytes.length ? 2 : at(mBytes, from + 2) << 8 | at(mBytes, from + 3);

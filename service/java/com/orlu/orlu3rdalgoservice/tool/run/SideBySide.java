@@ -29,9 +29,9 @@ public final class SideBySide {
 
     /**
      * Runs the tasks of `work` on `jobs` threads, and passes the results to `taker` on this thread. `what`
-     * names the work in the progress display. Throws the exception of the first task that fails, or of `taker`. Before it
-     * throws, waits for the running tasks for at most LONGEST_TASK_SECONDS, because they may use objects that
-     * the caller closes.
+     * names the work in the progress display. Throws the exception of the first task that fails, or of
+     * `taker`. Before it throws, waits for the running tasks for at most LONGEST_TASK_SECONDS, because they
+     * may use objects that the caller closes.
      */
     public static <T> void run(String what, int jobs, List<Callable<T>> work, Taker<T> taker)
             throws MistakeException, IOException {
