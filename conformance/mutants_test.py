@@ -52,6 +52,10 @@ def compare(row):
     return f"{mutant} fails {' '.join(sorted(found)) or 'nothing'} instead of {' '.join(sorted(wanted))}"
 
 
+def perf(library):
+    return [*emulator, build / "bin/conform", build / "mutants" / library, "--perf", "--only", "copy"]
+
+
 table = (here / "mutants/mutants.txt").read_text()
 rows = [line.split() for line in table.splitlines() if re.match("[a-z]", line)]
 source = "".join(file.read_text() for file in here.glob("mutants/*_mutants.cpp"))
@@ -61,7 +65,7 @@ wrong = [f"{name} must be in both mutants.txt and *_mutants.cpp"
 with ThreadPoolExecutor(AT_ONCE) as pool:
     wrong += [text for text in pool.map(compare, rows) if text]
 # --perf must fail for a baseline that is a thousand times faster, and reject an invalid baseline.
-measure = [*emulator, build / "bin/conform", build / "mutants/libminimal_algo.so", "--perf", "--only", "copy"]
+measure = perf("libminimal_algo.so")
 measured = subprocess.run([*measure, "--json"], capture_output=True, text=True)
 faster = re.sub(r'"(ms|noise)": (\S+),',
                 lambda field: f'"{field[1]}": {float(field[2]) / 1000:.4f},', measured.stdout)
@@ -78,8 +82,7 @@ for baseline, status in ((faster, 1), ("{}", 2)):
         wrong.append(f"--perf --baseline ended with status {ran.returncode} instead of {status}")
 # The first library can't be opened; the second never calls back for some formats.
 for library, message in (("libmutant_unbound.so", "can't be used"), ("libmutant_algo.so", "no callback")):
-    ran = subprocess.run([*emulator, build / "bin/conform", build / "mutants" / library, "--perf", "--only", "copy",
-                          "--patience", "1"],
+    ran = subprocess.run([*perf(library), "--patience", "1"],
                          env={**os.environ, "ORLU_MUTANT": "refuse_formats"}, capture_output=True, text=True)
     if ran.returncode != 1 or message not in ran.stderr:
         wrong.append(f"--perf of {library} ended with status {ran.returncode}: {ran.stderr}")

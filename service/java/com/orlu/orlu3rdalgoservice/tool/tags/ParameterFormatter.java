@@ -199,7 +199,8 @@ public final class ParameterFormatter {
     private String exif() {
         return "exposure " + mBytes.getLong(0) + " ns" + ", ISO " + optional(8, 12)
                 + ", aperture " + number(floatAt(16)) + ", sensitivity " + intAt(20)
-                + ", zoom " + number(floatAt(24)) + ", focal length " + number(floatAt(36)) + " mm, 35 mm equivalent "
+                + ", zoom " + number(floatAt(24)) + ", focal length " + number(floatAt(36))
+                + " mm, 35 mm equivalent "
                 + (intAt(32) == 0 ? "none" : number(floatAt(28)))
                 + ", flash mode " + intAt(40) + ", flash state " + optional(132, 44)
                 + ", AWB mode " + intAt(48)

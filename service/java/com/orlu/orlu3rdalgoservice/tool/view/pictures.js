@@ -4,7 +4,11 @@ function picturesPanel() {
   const images = data.images;
   if (!images) {
     return {
-      element: h("p", {class: "card"}, "No pictures: the process ended early, and the inputs were not recorded or can't be read."),
+      element: h(
+        "p",
+        {class: "card"},
+        "No pictures: the process ended early, and the inputs were not recorded or can't be read.",
+      ),
     };
   }
   if (images.inputs.length + images.outputs.length === 0) {
